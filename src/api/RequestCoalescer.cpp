@@ -1,0 +1,61 @@
+#include "api/RequestCoalescer.h"
+
+#include <coroutine>
+#include <exception>
+#include <optional>
+#include <vector>
+
+// The shared state of one network call: its outcome and whoever waits for it.
+struct RequestCoalescer::Flight {
+    bool done = false;
+    QByteArray bytes;
+    std::exception_ptr error;
+    std::vector<std::coroutine_handle<>> waiters;
+
+    void finish() {
+        done = true;
+        auto resume = std::move(waiters);
+        waiters.clear();
+        for (auto handle : resume) {
+            handle.resume();
+        }
+    }
+};
+
+namespace {
+
+struct FlightAwaiter {
+    std::shared_ptr<RequestCoalescer::Flight> flight;
+    bool await_ready() const noexcept { return flight->done; }
+    void await_suspend(std::coroutine_handle<> handle) { flight->waiters.push_back(handle); }
+    QByteArray await_resume() const {
+        if (flight->error) {
+            std::rethrow_exception(flight->error);
+        }
+        return flight->bytes;
+    }
+};
+
+} // namespace
+
+QCoro::Task<QByteArray> RequestCoalescer::data(QString key, Operation operation) {
+    if (auto existing = m_inFlight.value(key)) {
+        co_return co_await FlightAwaiter{existing};
+    }
+    auto flight = std::make_shared<Flight>();
+    m_inFlight.insert(key, flight);
+    try {
+        flight->bytes = co_await operation();
+    } catch (...) {
+        flight->error = std::current_exception();
+    }
+    // Only the caller that started the call removes it, and only its own entry.
+    if (m_inFlight.value(key) == flight) {
+        m_inFlight.remove(key);
+    }
+    flight->finish();
+    if (flight->error) {
+        std::rethrow_exception(flight->error);
+    }
+    co_return flight->bytes;
+}

@@ -1,0 +1,88 @@
+#include "platform/Clock.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <coroutine>
+
+namespace {
+
+// With no clock, resumes on the next turn of the event loop.
+struct SleepAwaiter {
+    Clock* clock;
+    double seconds;
+
+    bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<> handle) {
+        if (!clock) {
+            QTimer::singleShot(0, QCoreApplication::instance(), [handle]() { handle.resume(); });
+            return;
+        }
+        // The application object is the context: a sleep outlives any single view.
+        clock->schedule(seconds, QCoreApplication::instance(), [handle]() { handle.resume(); });
+    }
+    void await_resume() const noexcept {}
+};
+
+} // namespace
+
+QCoro::Task<> Clock::sleep(double seconds) {
+    co_await SleepAwaiter{this, seconds};
+}
+
+QDateTime SystemClock::now() const {
+    return QDateTime::currentDateTimeUtc();
+}
+
+void SystemClock::schedule(double seconds, QObject* context, std::function<void()> callback) {
+    const auto ms = std::chrono::milliseconds(qint64(std::llround(std::max(0.0, seconds) * 1000.0)));
+    if (context) {
+        QTimer::singleShot(ms, context, std::move(callback));
+    } else {
+        QTimer::singleShot(ms, std::move(callback));
+    }
+}
+
+ManualClock::ManualClock(QDateTime start) : m_now(std::move(start)) {}
+
+QCoro::Task<> ManualClock::sleep(double seconds) {
+    m_sleeps.append(seconds);
+    if (!m_autoAdvance) {
+        co_await Clock::sleep(seconds);
+        co_return;
+    }
+    m_now = m_now.addMSecs(qint64(std::llround(std::max(0.0, seconds) * 1000.0)));
+    // Resume from the event loop rather than inside the caller's stack, as a real timer would.
+    co_await SleepAwaiter{nullptr, 0};
+}
+
+void ManualClock::schedule(double seconds, QObject* context, std::function<void()> callback) {
+    // Entries whose context is gone can never fire; drop them so that long runs stay small.
+    m_pending.removeIf([](const Pending& p) { return p.hasContext && !p.context; });
+    const qint64 ms = qint64(std::llround(std::max(0.0, seconds) * 1000.0));
+    m_pending.append(Pending{m_now.addMSecs(ms), m_nextOrder++, QPointer<QObject>(context), context != nullptr,
+                             std::move(callback)});
+}
+
+void ManualClock::advance(double seconds) {
+    const QDateTime target = m_now.addMSecs(qint64(std::llround(seconds * 1000.0)));
+    for (;;) {
+        auto next = std::min_element(m_pending.begin(), m_pending.end(), [](const Pending& a, const Pending& b) {
+            return a.due < b.due || (a.due == b.due && a.order < b.order);
+        });
+        if (next == m_pending.end() || next->due > target) {
+            break;
+        }
+        Pending due = std::move(*next);
+        m_pending.erase(next);
+        if (due.due > m_now) {
+            m_now = due.due;
+        }
+        if (!due.hasContext || due.context) {
+            due.callback();
+        }
+    }
+    m_now = target;
+}

@@ -1,0 +1,10 @@
+#include "platform/HttpTransport.h"
+
+std::optional<QString> HttpResponse::header(const QByteArray& name) const {
+    for (const auto& [key, value] : headers) {
+        if (key.compare(name, Qt::CaseInsensitive) == 0) {
+            return QString::fromUtf8(value);
+        }
+    }
+    return std::nullopt;
+}

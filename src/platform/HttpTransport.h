@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QUrl>
+#include <QCoro/QCoroTask>
+
+#include <exception>
+#include <optional>
+
+struct HttpRequest {
+    QByteArray method = QByteArrayLiteral("GET");
+    QUrl url;
+    QList<QPair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    double timeoutSeconds = 60;
+};
+
+struct HttpResponse {
+    // False when the answer was not an HTTP response at all.
+    bool isHttp = true;
+    int status = 0;
+    QList<QPair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+
+    // Case-insensitive lookup of a header; absent when it was not sent.
+    std::optional<QString> header(const QByteArray& name) const;
+};
+
+// A request that never produced a response: no connection, a timeout, a cancelled transfer.
+class TransportError : public std::exception {
+public:
+    explicit TransportError(QString description) : m_description(std::move(description)) {}
+    const QString& description() const { return m_description; }
+    const char* what() const noexcept override { return "transport error"; }
+
+private:
+    QString m_description;
+};
+
+// The seam to HTTP. The application uses QtHttpTransport; tests plug in scripted transports.
+class HttpTransport {
+public:
+    virtual ~HttpTransport() = default;
+    virtual QCoro::Task<HttpResponse> send(HttpRequest request) = 0;
+};
