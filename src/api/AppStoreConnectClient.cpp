@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-Q_LOGGING_CATEGORY(lcClient, "com.tolsenmark.Velmora.AppStoreConnectClient")
+Q_LOGGING_CATEGORY(lcClient, "com.tolsenmark.Velmora.AppStoreConnectClient", QtInfoMsg)
 
 struct AppStoreConnectClient::Private {
     Parts parts;
@@ -91,9 +91,13 @@ QCoro::Task<QByteArray> AppStoreConnectClient::fetch(APIRequest request) {
     if (request.method != APIRequest::Method::Get) {
         co_return co_await self->execute(std::move(request));
     }
+    // Named locals rather than temporaries inside the co_await: g++ 12 mishandles the lifetime
+    // of temporaries that initialise a coroutine's by-value parameters.
     const QString key = request.coalescingKey();
-    co_return co_await self->d->coalescer.data(
-        key, [self, request]() -> QCoro::Task<QByteArray> { return self->execute(request); });
+    RequestCoalescer::Operation operation = [self, request]() { return self->execute(request); };
+    auto task = self->d->coalescer.data(key, operation);
+    QByteArray body = co_await task;
+    co_return body;
 }
 
 AppStoreConnectClient::BuiltRequest AppStoreConnectClient::buildRequest(const APIRequest& request) const {

@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-Q_LOGGING_CATEGORY(lcRateLimit, "com.tolsenmark.Velmora.RateLimit")
+Q_LOGGING_CATEGORY(lcRateLimit, "com.tolsenmark.Velmora.RateLimit", QtInfoMsg)
 
 RateLimitGovernor::RateLimitGovernor(std::shared_ptr<Clock> clock, QObject* parent)
     : QObject(parent), m_clock(std::move(clock)) {}

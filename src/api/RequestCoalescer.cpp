@@ -45,7 +45,8 @@ QCoro::Task<QByteArray> RequestCoalescer::data(QString key, Operation operation)
     auto flight = std::make_shared<Flight>();
     m_inFlight.insert(key, flight);
     try {
-        flight->bytes = co_await operation();
+        auto task = operation();
+        flight->bytes = co_await task;
     } catch (...) {
         flight->error = std::current_exception();
     }

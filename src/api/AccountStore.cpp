@@ -1,0 +1,257 @@
+#include "api/AccountStore.h"
+
+#include "api/AppStoreConnectClient.h"
+#include "api/AuditLog.h"
+#include "api/AuthenticationService.h"
+#include "api/RateLimitGovernor.h"
+#include "api/TruncationRegistry.h"
+#include "platform/AtomicFile.h"
+#include "platform/Clock.h"
+#include "platform/KeychainError.h"
+#include "platform/SecretStore.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLoggingCategory>
+#include <QStringDecoder>
+
+using namespace Qt::StringLiterals;
+
+Q_LOGGING_CATEGORY(lcAccountStore, "com.tolsenmark.Velmora.AccountStore", QtInfoMsg)
+
+AccountStore::AccountStore(Platform platform, QObject* parent)
+    : QObject(parent), m_platform(std::move(platform)),
+      m_governor(std::make_shared<RateLimitGovernor>(m_platform.clock)),
+      m_truncation(std::make_shared<TruncationRegistry>()),
+      m_auditLog(std::make_shared<AuditLog>(m_platform.paths.auditLogFile())) {
+    load();
+}
+
+AccountStore::~AccountStore() = default;
+
+void AccountStore::load() {
+    // A damaged file counts as empty and is left alone until the next successful write.
+    const auto bytes = AtomicFile::read(m_platform.paths.accountsFile());
+    if (!bytes) {
+        return;
+    }
+    const auto doc = QJsonDocument::fromJson(*bytes);
+    if (!doc.isArray()) {
+        return;
+    }
+    QList<Account> loaded;
+    try {
+        for (const auto& value : doc.array()) {
+            loaded.append(Account::fromJson(JsonReader::of(value)));
+        }
+    } catch (const DecodingError&) {
+        return;
+    }
+    m_accounts = std::move(loaded);
+    m_selectedAccountID = m_accounts.isEmpty() ? std::nullopt : std::optional<QUuid>(m_accounts.first().id);
+}
+
+void AccountStore::persist() {
+    if (m_ephemeralKey) {
+        return;
+    }
+    QJsonArray array;
+    for (const auto& account : std::as_const(m_accounts)) {
+        array.append(account.toJson());
+    }
+    if (auto error = AtomicFile::write(m_platform.paths.accountsFile(), QJsonDocument(array).toJson())) {
+        qCWarning(lcAccountStore, "Failed to persist account metadata: %s", qPrintable(*error));
+    }
+}
+
+void AccountStore::setSelectedAccountID(std::optional<QUuid> id) {
+    if (m_selectedAccountID == id) {
+        return;
+    }
+    m_selectedAccountID = id;
+    Q_EMIT selectedAccountChanged();
+}
+
+std::optional<Account> AccountStore::selectedAccount() const {
+    if (!m_selectedAccountID) {
+        return std::nullopt;
+    }
+    return account(*m_selectedAccountID);
+}
+
+std::optional<Account> AccountStore::account(const QUuid& id) const {
+    for (const auto& a : m_accounts) {
+        if (a.id == id) {
+            return a;
+        }
+    }
+    return std::nullopt;
+}
+
+QCoro::Task<Account> AccountStore::addAccount(QString name, QString issuerID, QString keyID,
+                                              QByteArray privateKeyPEM, std::optional<QString> vendorNumber) {
+    Account account;
+    account.id = QUuid::createUuid();
+    account.name = std::move(name);
+    account.issuerID = std::move(issuerID);
+    account.keyID = std::move(keyID);
+    account.createdAt = m_platform.clock->now();
+    account.vendorNumber = nilIfBlank(vendorNumber);
+    co_await m_platform.secrets->save(account.idText(), privateKeyPEM);
+    m_accounts.append(account);
+    persist();
+    Q_EMIT accountsChanged();
+    setSelectedAccountID(account.id);
+    co_return account;
+}
+
+QCoro::Task<> AccountStore::removeAccount(Account account) {
+    co_await m_platform.secrets->remove(account.idText());
+    m_accounts.removeIf([&](const Account& a) { return a.id == account.id; });
+    if (m_selectedAccountID == account.id) {
+        setSelectedAccountID(m_accounts.isEmpty() ? std::nullopt : std::optional<QUuid>(m_accounts.first().id));
+    }
+    persist();
+    Q_EMIT accountsChanged();
+}
+
+void AccountStore::updateAccount(const Account& account) {
+    for (auto& a : m_accounts) {
+        if (a.id == account.id) {
+            a = account;
+            persist();
+            Q_EMIT accountsChanged();
+            return;
+        }
+    }
+}
+
+QCoro::Task<QByteArray> AccountStore::privateKey(Account account) {
+    QByteArray bytes;
+    if (m_ephemeralKey && m_accounts.size() == 1 && m_accounts.first().id == account.id) {
+        bytes = *m_ephemeralKey;
+    } else {
+        bytes = co_await m_platform.secrets->read(account.idText());
+    }
+    auto decoder = QStringDecoder(QStringDecoder::Utf8);
+    (void)QString(decoder(bytes));
+    if (decoder.hasError()) {
+        throw KeychainError::encodingFailed();
+    }
+    co_return bytes;
+}
+
+std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account& account, const QByteArray& pem) const {
+    AppStoreConnectClient::Parts parts;
+    parts.clock = m_platform.clock;
+    parts.transport = m_platform.transport;
+    parts.apiRoot = m_platform.apiRoot;
+    parts.auth = std::make_shared<AuthenticationService>(account.keyID, account.issuerID, pem);
+    parts.accountName = account.name;
+    parts.auditLog = m_auditLog;
+    parts.governor = m_governor;
+    parts.truncationRegistry = m_truncation;
+    return AppStoreConnectClient::create(std::move(parts));
+}
+
+std::shared_ptr<AppStoreConnectClient> AccountStore::makeTestClient(const Platform& platform, const Account& account,
+                                                                    const QByteArray& pem) {
+    AppStoreConnectClient::Parts parts;
+    parts.clock = platform.clock;
+    parts.transport = platform.transport;
+    parts.apiRoot = platform.apiRoot;
+    parts.auth = std::make_shared<AuthenticationService>(account.keyID, account.issuerID, pem);
+    parts.accountName = account.name;
+    return AppStoreConnectClient::create(std::move(parts));
+}
+
+QCoro::Task<std::shared_ptr<AppStoreConnectClient>> AccountStore::makeClient(Account account) {
+    const QByteArray pem = co_await privateKey(account);
+    co_return clientWithKey(account, pem);
+}
+
+namespace {
+
+// The first app id of a list answer, if any; the probe needs one app to ask about analytics.
+std::optional<QString> firstAppID(const QByteArray& body) {
+    const auto doc = QJsonDocument::fromJson(body);
+    const auto data = doc.object().value(u"data"_s).toArray();
+    if (data.isEmpty()) {
+        return std::nullopt;
+    }
+    const QString id = data.first().toObject().value(u"id"_s).toString();
+    return id.isEmpty() ? std::nullopt : std::optional<QString>(id);
+}
+
+} // namespace
+
+QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account) {
+    AccountCapabilities caps;
+    caps.checkedAt = m_platform.clock->now();
+    std::shared_ptr<AppStoreConnectClient> client;
+    try {
+        client = co_await makeClient(account);
+    } catch (...) {
+        co_return caps;
+    }
+
+    std::optional<QString> appID;
+    try {
+        APIRequest apps = APIRequest::get(u"/v1/apps"_s);
+        apps.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
+        appID = firstAppID(co_await client->sendRawData(std::move(apps)));
+        caps.canReadApps = true;
+    } catch (...) {
+    }
+
+    try {
+        APIRequest users = APIRequest::get(u"/v1/users"_s);
+        users.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
+        co_await client->sendRawData(std::move(users));
+        caps.canReadUsers = true;
+    } catch (...) {
+    }
+
+    // Analytics report requests can only be listed per app, so the probe asks about the first
+    // app it saw; without any app there is nothing to measure.
+    if (appID) {
+        try {
+            APIRequest analytics = APIRequest::get(u"/v1/apps/%1/analyticsReportRequests"_s.arg(*appID));
+            analytics.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
+            co_await client->sendRawData(std::move(analytics));
+            caps.canReadAnalytics = true;
+        } catch (...) {
+        }
+    }
+
+    if (account.hasUsableVendorNumber()) {
+        try {
+            const QDate day = caps.checkedAt.toUTC().addSecs(-172800).date();
+            APIRequest sales = APIRequest::get(u"/v1/salesReports"_s);
+            sales.queryItems = {
+                {u"filter[frequency]"_s, u"DAILY"_s},
+                {u"filter[reportType]"_s, u"SALES"_s},
+                {u"filter[reportSubType]"_s, u"SUMMARY"_s},
+                {u"filter[vendorNumber]"_s, account.vendorNumber->trimmed()},
+                {u"filter[reportDate]"_s, day.toString(u"yyyy-MM-dd"_s)},
+                {u"filter[version]"_s, u"1_1"_s},
+            };
+            co_await client->sendRawData(std::move(sales));
+            caps.canReadSalesReports = true;
+        } catch (...) {
+        }
+    }
+
+    if (auto current = this->account(account.id)) {
+        current->capabilities = caps;
+        updateAccount(*current);
+    }
+    co_return caps;
+}
+
+void AccountStore::useEphemeralAccount(Account account, QByteArray privateKeyPEM) {
+    m_ephemeralKey = std::move(privateKeyPEM);
+    m_accounts = {account};
+    Q_EMIT accountsChanged();
+    setSelectedAccountID(account.id);
+}

@@ -1,0 +1,175 @@
+#include "workspace/AppState.h"
+
+#include "api/AccountStore.h"
+#include "api/AppStoreConnectClient.h"
+#include "api/DiskCache.h"
+#include "api/PendingWrite.h"
+#include "api/TaskCenter.h"
+#include "platform/Clock.h"
+#include "workspace/AppPreferencesStore.h"
+#include "workspace/AppsService.h"
+#include "workspace/MockData.h"
+
+#include <QCollator>
+#include <QPointer>
+#include <QSettings>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+AppState::AppState(Platform platform, Options options, QObject* parent)
+    : QObject(parent), m_platform(std::move(platform)) {
+    m_preferences = std::make_unique<AppPreferencesStore>(options.settings);
+    m_appsService = std::make_unique<AppsService>(
+        std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
+    m_taskCenter = std::make_unique<TaskCenter>();
+    m_accountStore = std::make_unique<AccountStore>(m_platform);
+    connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, &AppState::demoModeChanged);
+}
+
+AppState::~AppState() = default;
+
+bool AppState::hasAccount() const {
+    return m_accountStore->selectedAccount().has_value();
+}
+
+std::optional<QString> AppState::writeBlockedReason() const {
+    const auto account = m_accountStore->selectedAccount();
+    if (account && account->isReadOnly) {
+        return WriteGate::readOnlyMessage();
+    }
+    if (m_isDemoModeEnabled && !account) {
+        return std::nullopt;
+    }
+    if (!account) {
+        return WriteGate::noAccountMessage();
+    }
+    return std::nullopt;
+}
+
+void AppState::setSelectedSection(std::optional<SidebarSection> section) {
+    if (m_selectedSection == section) {
+        return;
+    }
+    m_selectedSection = section;
+    Q_EMIT selectedSectionChanged();
+}
+
+void AppState::setDemoModeEnabled(bool on) {
+    if (m_isDemoModeEnabled == on) {
+        return;
+    }
+    m_isDemoModeEnabled = on;
+    Q_EMIT demoModeChanged();
+}
+
+void AppState::setApps(QList<ManagedApp> apps) {
+    m_apps = std::move(apps);
+    Q_EMIT appsChanged();
+}
+
+void AppState::setLoading(bool loading) {
+    if (m_isLoadingApps == loading) {
+        return;
+    }
+    m_isLoadingApps = loading;
+    Q_EMIT loadingChanged();
+}
+
+QCoro::Task<> AppState::loadApps(bool forceRefresh) {
+    QPointer<AppState> self(this);
+    if (isDemoActive()) {
+        setApps(MockData::apps());
+        co_return;
+    }
+    const auto selected = m_accountStore->selectedAccount();
+    if (!selected) {
+        co_return;
+    }
+    if (m_apps.isEmpty()) {
+        if (auto cached = m_appsService->disk().loadList<ManagedApp>(AppsService::diskKey(selected->id))) {
+            m_appsFromCacheAge = m_appsService->disk().ageDescription(cached->storedAt);
+            setApps(std::move(cached->value));
+        }
+    }
+    setLoading(true);
+    m_appsError.reset();
+    Q_EMIT appsChanged();
+
+    const bool allAccounts = m_allAccountsOverride.value_or(m_preferences->showsAppsOfAllAccounts());
+    const QList<Account> accounts = allAccounts ? m_accountStore->accounts() : QList<Account>{*selected};
+    const bool stampNames = accounts.size() >= 2;
+    QList<ManagedApp> collected;
+    QStringList failures;
+    for (const Account& account : accounts) {
+        try {
+            auto client = co_await m_accountStore->makeClient(account);
+            if (!self) {
+                co_return;
+            }
+            auto apps = co_await m_appsService->apps(account, client, forceRefresh);
+            if (!self) {
+                co_return;
+            }
+            for (auto& app : apps) {
+                app.accountID = account.id;
+                if (stampNames) {
+                    app.accountName = account.name;
+                }
+            }
+            collected.append(std::move(apps));
+        } catch (const std::exception& error) {
+            if (!self) {
+                co_return;
+            }
+            failures.append(account.name + u": "_s + describeError(error));
+        }
+    }
+
+    if (!collected.isEmpty()) {
+        QCollator collator(QLocale(QLocale::German, QLocale::Germany));
+        std::stable_sort(collected.begin(), collected.end(), [&collator](const ManagedApp& a, const ManagedApp& b) {
+            return collator.compare(a.name, b.name) < 0;
+        });
+        m_appsFromCacheAge.reset();
+        m_appsError = failures.isEmpty() ? std::nullopt : std::optional<QString>(failures.join(u" · "_s));
+        setApps(std::move(collected));
+    } else {
+        // An account without apps, or a failure, never clears a list that is already shown.
+        m_appsError = failures.isEmpty() ? std::nullopt : std::optional<QString>(failures.first());
+        Q_EMIT appsChanged();
+    }
+    setLoading(false);
+}
+
+void AppState::selectAccount(const Account& account) {
+    if (m_accountStore->selectedAccountID() == account.id) {
+        return;
+    }
+    m_accountStore->setSelectedAccountID(account.id);
+    clearSelectedApp();
+    setApps({});
+    QCoro::connect(loadApps(true), this, [] {});
+}
+
+void AppState::selectApp(const ManagedApp& app) {
+    if (app.accountID && app.accountID != m_accountStore->selectedAccountID() &&
+        m_accountStore->account(*app.accountID)) {
+        m_accountStore->setSelectedAccountID(app.accountID);
+    }
+    const bool differs = m_selectedApp != app;
+    m_selectedApp = app;
+    m_preferences->markUsed(app.id);
+    if (differs) {
+        Q_EMIT selectedAppChanged();
+    }
+}
+
+void AppState::clearSelectedApp() {
+    if (!m_selectedApp) {
+        return;
+    }
+    m_selectedApp.reset();
+    Q_EMIT selectedAppChanged();
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "workspace/ManagedApp.h"
+#include "workspace/SidebarSection.h"
+
+#include <QObject>
+#include <QCoro/QCoroTask>
+
+#include <memory>
+#include <optional>
+
+class AccountStore;
+class AppPreferencesStore;
+class AppsService;
+class QSettings;
+class TaskCenter;
+struct Account;
+
+// The one object that holds the running application together: it owns the stores and
+// services, the list of apps, the selection and the flags that screens bind to.
+class AppState : public QObject {
+    Q_OBJECT
+public:
+    struct Options {
+        // Settings for the preferences; none means the user's own.
+        std::shared_ptr<QSettings> settings;
+    };
+
+    explicit AppState(Platform platform, Options options = {}, QObject* parent = nullptr);
+    ~AppState() override;
+
+    const Platform& platform() const { return m_platform; }
+    AccountStore& accountStore() const { return *m_accountStore; }
+    AppPreferencesStore& preferences() const { return *m_preferences; }
+    AppsService& appsService() const { return *m_appsService; }
+    TaskCenter& taskCenter() const { return *m_taskCenter; }
+
+    // Published state.
+    const QList<ManagedApp>& apps() const { return m_apps; }
+    bool isLoadingApps() const { return m_isLoadingApps; }
+    const std::optional<QString>& appsError() const { return m_appsError; }
+    const std::optional<QString>& appsFromCacheAge() const { return m_appsFromCacheAge; }
+    const std::optional<ManagedApp>& selectedApp() const { return m_selectedApp; }
+    std::optional<SidebarSection> selectedSection() const { return m_selectedSection; }
+    void setSelectedSection(std::optional<SidebarSection> section);
+    bool isDemoModeEnabled() const { return m_isDemoModeEnabled; }
+    void setDemoModeEnabled(bool on);
+
+    bool hasAccount() const;
+    // Sample data instead of the network: the demo switch is on and no account exists.
+    bool isDemoActive() const { return m_isDemoModeEnabled && !hasAccount(); }
+    // Why writing is not allowed now, or nothing.
+    std::optional<QString> writeBlockedReason() const;
+
+    // Never raises; results land in the published state.
+    QCoro::Task<> loadApps(bool forceRefresh);
+    // Lets one run (the command line) list every account without changing the stored preference.
+    void setShowsAppsOfAllAccountsOverride(std::optional<bool> value) { m_allAccountsOverride = value; }
+    void selectAccount(const Account& account);
+    void selectApp(const ManagedApp& app);
+    void clearSelectedApp();
+
+Q_SIGNALS:
+    void appsChanged();
+    void loadingChanged();
+    void selectedAppChanged();
+    void selectedSectionChanged();
+    void demoModeChanged();
+
+private:
+    void setApps(QList<ManagedApp> apps);
+    void setLoading(bool loading);
+
+    Platform m_platform;
+    std::unique_ptr<AppPreferencesStore> m_preferences;
+    std::unique_ptr<AppsService> m_appsService;
+    std::unique_ptr<TaskCenter> m_taskCenter;
+    std::unique_ptr<AccountStore> m_accountStore;
+
+    QList<ManagedApp> m_apps;
+    bool m_isLoadingApps = false;
+    std::optional<QString> m_appsError;
+    std::optional<QString> m_appsFromCacheAge;
+    std::optional<ManagedApp> m_selectedApp;
+    std::optional<SidebarSection> m_selectedSection = SidebarSection::Overview;
+    bool m_isDemoModeEnabled = false;
+    std::optional<bool> m_allAccountsOverride;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "api/Account.h"
+#include "api/DiskCache.h"
+#include "workspace/ManagedApp.h"
+
+#include <QHash>
+#include <QCoro/QCoroTask>
+
+#include <memory>
+
+class AppStoreConnectClient;
+class Clock;
+
+// Lists the apps of an account, with a short in-memory cache and a copy on disk.
+class AppsService {
+public:
+    static constexpr double cacheTTL = 120;
+    static constexpr int pageLimit = 200;
+    static constexpr int maxPages = 20;
+
+    AppsService(std::shared_ptr<DiskCache> disk, std::shared_ptr<Clock> clock);
+
+    QCoro::Task<QList<ManagedApp>> apps(Account account, std::shared_ptr<AppStoreConnectClient> client,
+                                        bool forceRefresh);
+
+    static QString diskKey(const QUuid& accountID);
+    const DiskCache& disk() const { return *m_disk; }
+
+private:
+    struct Entry {
+        QList<ManagedApp> apps;
+        QDateTime fetchedAt;
+    };
+    std::shared_ptr<DiskCache> m_disk;
+    std::shared_ptr<Clock> m_clock;
+    QHash<QUuid, Entry> m_cache;
+};
