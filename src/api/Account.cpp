@@ -6,7 +6,8 @@ QList<AccountCapabilities::Finding> AccountCapabilities::findings() const {
     return {
         {u"Apps lesen"_s, canReadApps, u"Grundlage für alles Übrige."_s},
         {u"Team und Zugriffe"_s, canReadUsers, u"Braucht die Rolle „Account Holder“ oder „Admin“."_s},
-        {u"Analytics-Reports"_s, canReadAnalytics, u"Braucht zusätzlich die Berechtigung „Access to Reports“."_s},
+        {u"Analytics-Reports"_s, canReadAnalytics,
+         u"Braucht zusätzlich die Berechtigung „Access to Reports“."_s},
         {u"Verkaufsberichte"_s, canReadSalesReports,
          u"Braucht Finanzberechtigung und eine Vendor-Nummer am Account."_s},
     };

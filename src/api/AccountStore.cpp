@@ -109,7 +109,8 @@ QCoro::Task<> AccountStore::removeAccount(Account account) {
     co_await m_platform.secrets->remove(account.idText());
     m_accounts.removeIf([&](const Account& a) { return a.id == account.id; });
     if (m_selectedAccountID == account.id) {
-        setSelectedAccountID(m_accounts.isEmpty() ? std::nullopt : std::optional<QUuid>(m_accounts.first().id));
+        setSelectedAccountID(m_accounts.isEmpty() ? std::nullopt
+                                                  : std::optional<QUuid>(m_accounts.first().id));
     }
     persist();
     Q_EMIT accountsChanged();
@@ -141,7 +142,8 @@ QCoro::Task<QByteArray> AccountStore::privateKey(Account account) {
     co_return bytes;
 }
 
-std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account& account, const QByteArray& pem) const {
+std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account& account,
+                                                                   const QByteArray& pem) const {
     AppStoreConnectClient::Parts parts;
     parts.clock = m_platform.clock;
     parts.transport = m_platform.transport;
@@ -154,8 +156,8 @@ std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account
     return AppStoreConnectClient::create(std::move(parts));
 }
 
-std::shared_ptr<AppStoreConnectClient> AccountStore::makeTestClient(const Platform& platform, const Account& account,
-                                                                    const QByteArray& pem) {
+std::shared_ptr<AppStoreConnectClient>
+AccountStore::makeTestClient(const Platform& platform, const Account& account, const QByteArray& pem) {
     AppStoreConnectClient::Parts parts;
     parts.clock = platform.clock;
     parts.transport = platform.transport;

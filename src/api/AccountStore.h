@@ -3,9 +3,9 @@
 #include "api/Account.h"
 #include "platform/Platform.h"
 
+#include <QCoro/QCoroTask>
 #include <QHash>
 #include <QObject>
-#include <QCoro/QCoroTask>
 
 #include <memory>
 #include <optional>
@@ -42,8 +42,8 @@ public:
     // The same from a key already at hand.
     std::shared_ptr<AppStoreConnectClient> clientWithKey(const Account& account, const QByteArray& pem) const;
     // A client for a connection test: no change log, no governor, no registry.
-    static std::shared_ptr<AppStoreConnectClient> makeTestClient(const Platform& platform, const Account& account,
-                                                                 const QByteArray& pem);
+    static std::shared_ptr<AppStoreConnectClient>
+    makeTestClient(const Platform& platform, const Account& account, const QByteArray& pem);
 
     // Measures what the key may do; never raises.
     QCoro::Task<AccountCapabilities> probeCapabilities(Account account);

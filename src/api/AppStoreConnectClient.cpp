@@ -94,7 +94,9 @@ QCoro::Task<QByteArray> AppStoreConnectClient::fetch(APIRequest request) {
     // Named locals rather than temporaries inside the co_await: g++ 12 mishandles the lifetime
     // of temporaries that initialise a coroutine's by-value parameters.
     const QString key = request.coalescingKey();
-    RequestCoalescer::Operation operation = [self, request]() { return self->execute(request); };
+    RequestCoalescer::Operation operation = [self, request]() {
+        return self->execute(request);
+    };
     auto task = self->d->coalescer.data(key, operation);
     QByteArray body = co_await task;
     co_return body;
@@ -176,7 +178,8 @@ QCoro::Task<QByteArray> AppStoreConnectClient::execute(APIRequest request) {
             throw VelmoraAPIError::unknown(-1);
         }
         const int status = response.status;
-        qCDebug(lcClient, "%s %s -> %ld", qPrintable(request.methodText()), qPrintable(request.path), long(status));
+        qCDebug(lcClient, "%s %s -> %ld", qPrintable(request.methodText()), qPrintable(request.path),
+                long(status));
 
         if (parts.governor) {
             parts.governor->update(response.header("X-Rate-Limit"));

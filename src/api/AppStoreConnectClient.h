@@ -5,8 +5,8 @@
 #include "wire/JSONAPI.h"
 #include "wire/VelmoraAPIError.h"
 
-#include <QUrl>
 #include <QCoro/QCoroTask>
+#include <QUrl>
 
 #include <memory>
 
@@ -18,8 +18,7 @@ class RateLimitGovernor;
 class RequestCoalescer;
 class TruncationRegistry;
 
-template <class T>
-struct PagedResult {
+template <class T> struct PagedResult {
     QList<T> items;
     bool truncated = false;
 };
@@ -48,37 +47,31 @@ public:
     QCoro::Task<> sendVoid(APIRequest request);
 
     // `T::fromJson(const JsonReader&)` on the whole document.
-    template <class T>
-    QCoro::Task<T> sendDecodable(APIRequest request) {
+    template <class T> QCoro::Task<T> sendDecodable(APIRequest request) {
         auto self = shared_from_this();
         const QByteArray body = co_await self->fetch(std::move(request));
         co_return decoded([&] { return T::fromJson(JSONAPIDecode::documentRoot(body)); });
     }
 
-    template <class A>
-    QCoro::Task<APIResponse<QList<JSONAPIResource<A>>>> send(APIRequest request) {
+    template <class A> QCoro::Task<APIResponse<QList<JSONAPIResource<A>>>> send(APIRequest request) {
         return sendResources<JSONAPIResource<A>>(std::move(request));
     }
-    template <class A>
-    QCoro::Task<JSONAPIResource<A>> sendSingle(APIRequest request) {
+    template <class A> QCoro::Task<JSONAPIResource<A>> sendSingle(APIRequest request) {
         return sendSingleResource<JSONAPIResource<A>>(std::move(request));
     }
-    template <class A>
-    QCoro::Task<std::optional<JSONAPIResource<A>>> sendSingleOptional(APIRequest request) {
+    template <class A> QCoro::Task<std::optional<JSONAPIResource<A>>> sendSingleOptional(APIRequest request) {
         auto self = shared_from_this();
         const QByteArray body = co_await self->fetch(std::move(request));
         co_return decoded([&] { return JSONAPIDecode::singleOptional<JSONAPIResource<A>>(body); });
     }
 
     // A domain resource type `T` with `static T fromJson(const JsonReader&)`.
-    template <class T>
-    QCoro::Task<APIResponse<QList<T>>> sendResources(APIRequest request) {
+    template <class T> QCoro::Task<APIResponse<QList<T>>> sendResources(APIRequest request) {
         auto self = shared_from_this();
         const QByteArray body = co_await self->fetch(std::move(request));
         co_return decoded([&] { return JSONAPIDecode::list<T>(body); });
     }
-    template <class T>
-    QCoro::Task<T> sendSingleResource(APIRequest request) {
+    template <class T> QCoro::Task<T> sendSingleResource(APIRequest request) {
         auto self = shared_from_this();
         const QByteArray body = co_await self->fetch(std::move(request));
         co_return decoded([&] { return JSONAPIDecode::single<T>(body); });
@@ -89,8 +82,7 @@ public:
     QCoro::Task<PagedResult<JSONAPIResource<A>>> sendPagedResult(APIRequest request, int maxPages) {
         return paged<JSONAPIResource<A>>(std::move(request), maxPages, true);
     }
-    template <class T>
-    QCoro::Task<QList<T>> sendPagedResources(APIRequest request, int maxPages) {
+    template <class T> QCoro::Task<QList<T>> sendPagedResources(APIRequest request, int maxPages) {
         auto self = shared_from_this();
         auto result = co_await self->paged<T>(std::move(request), maxPages, false);
         co_return std::move(result.items);
@@ -119,8 +111,7 @@ private:
     void pageListComplete(const QString& path, bool removeFromRegistry);
     void pageListTruncated(const QString& path, int pages);
 
-    template <class F>
-    static auto decoded(F&& decode) -> decltype(decode()) {
+    template <class F> static auto decoded(F&& decode) -> decltype(decode()) {
         try {
             return decode();
         } catch (const DecodingError& error) {

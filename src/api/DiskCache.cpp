@@ -25,7 +25,8 @@ QString DiskCache::fileForKey(const QString& key) const {
 void DiskCache::storeJson(const QString& key, const QJsonValue& value) {
     const QJsonObject envelope{{u"value"_s, value},
                                {u"storedAt"_s, ASCDateFormatting::encodePlain(m_clock->now())}};
-    if (auto error = AtomicFile::write(fileForKey(key), QJsonDocument(envelope).toJson(QJsonDocument::Compact))) {
+    if (auto error =
+            AtomicFile::write(fileForKey(key), QJsonDocument(envelope).toJson(QJsonDocument::Compact))) {
         qCDebug(lcDiskCache, "Konnte %s nicht ablegen: %s", qPrintable(key), qPrintable(*error));
     }
 }

@@ -22,8 +22,7 @@ public:
         QJsonValue value;
         QDateTime storedAt;
     };
-    template <class T>
-    struct CachedList {
+    template <class T> struct CachedList {
         QList<T> value;
         QDateTime storedAt;
     };
@@ -36,16 +35,14 @@ public:
     std::optional<Cached> loadJson(const QString& key) const;
 
     // `T` has `QJsonObject toJson() const` and `static T fromJson(const JsonReader&)`.
-    template <class T>
-    void storeList(const QString& key, const QList<T>& list) {
+    template <class T> void storeList(const QString& key, const QList<T>& list) {
         QJsonArray array;
         for (const auto& item : list) {
             array.append(item.toJson());
         }
         storeJson(key, array);
     }
-    template <class T>
-    std::optional<CachedList<T>> loadList(const QString& key) const {
+    template <class T> std::optional<CachedList<T>> loadList(const QString& key) const {
         const auto cached = loadJson(key);
         if (!cached || !cached->value.isArray()) {
             return std::nullopt;

@@ -21,7 +21,8 @@ QString WriteGate::demoMessage() {
     return u"Im Demo-Modus werden keine Daten an App Store Connect geschickt."_s;
 }
 
-std::optional<WriteChange> WriteGate::changeIfDifferent(const QString& field, const std::optional<QString>& before,
+std::optional<WriteChange> WriteGate::changeIfDifferent(const QString& field,
+                                                        const std::optional<QString>& before,
                                                         const QString& after) {
     if (before && *before == after) {
         return std::nullopt;

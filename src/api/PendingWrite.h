@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QList>
 #include <QString>
 #include <QUuid>
-#include <QCoro/QCoroTask>
 
 #include <functional>
 #include <optional>

@@ -26,21 +26,27 @@ void RateLimitGovernor::update(const std::optional<QString>& header) {
         if (parts.size() != 2) {
             continue;
         }
-        // Blanks only: a line end inside the header is not part of the format.
-        auto trimBlanks = [](QString s) {
+        // Blanks only (spaces of any width and tabs): a line end inside the header is not part
+        // of the format, and a number that still has one at its edge is not read.
+        const auto isBlank = [](QChar c) {
+            return c == u'\t' || c.category() == QChar::Separator_Space;
+        };
+        const auto trimBlanks = [&isBlank](const QString& s) {
             qsizetype start = 0;
             qsizetype end = s.size();
-            while (start < end && (s[start] == u' ' || s[start] == u'\t')) {
+            while (start < end && isBlank(s[start])) {
                 ++start;
             }
-            while (end > start && (s[end - 1] == u' ' || s[end - 1] == u'\t')) {
+            while (end > start && isBlank(s[end - 1])) {
                 --end;
             }
             return s.mid(start, end - start);
         };
+        const QString number = trimBlanks(parts[1]);
         bool ok = false;
-        const int value = trimBlanks(parts[1]).toInt(&ok);
-        if (!ok) {
+        // toInt() itself skips surrounding white space, line ends included; refuse that here.
+        const int value = number.toInt(&ok);
+        if (!ok || number.front().isSpace() || number.back().isSpace()) {
             continue;
         }
         pairs.insert(trimBlanks(parts[0]), value);
@@ -64,7 +70,8 @@ QCoro::Task<> RateLimitGovernor::reserve(RequestPriority priority) {
     }
     const double ratio = double(*m_remaining) / double(*m_limit);
     if (ratio < backgroundFloor) {
-        qCDebug(lcRateLimit, "Hintergrundanfrage abgewiesen, Budget bei %ld %%", long(std::lround(ratio * 100)));
+        qCDebug(lcRateLimit, "Hintergrundanfrage abgewiesen, Budget bei %ld %%",
+                long(std::lround(ratio * 100)));
         throw VelmoraAPIError::rateLimitBudgetExhausted(*m_remaining, *m_limit);
     }
     if (ratio < throttleThreshold) {

@@ -2,9 +2,9 @@
 
 #include "wire/APIRequest.h"
 
+#include <QCoro/QCoroTask>
 #include <QDateTime>
 #include <QObject>
-#include <QCoro/QCoroTask>
 
 #include <memory>
 #include <optional>

@@ -24,8 +24,9 @@ struct RequestCoalescer::Flight {
 
 namespace {
 
+// Holds a plain pointer: the caller keeps the flight alive in its own frame.
 struct FlightAwaiter {
-    std::shared_ptr<RequestCoalescer::Flight> flight;
+    RequestCoalescer::Flight* flight;
     bool await_ready() const noexcept { return flight->done; }
     void await_suspend(std::coroutine_handle<> handle) { flight->waiters.push_back(handle); }
     QByteArray await_resume() const {
@@ -39,8 +40,11 @@ struct FlightAwaiter {
 } // namespace
 
 QCoro::Task<QByteArray> RequestCoalescer::data(QString key, Operation operation) {
-    if (auto existing = m_inFlight.value(key)) {
-        co_return co_await FlightAwaiter{existing};
+    if (const auto existing = m_inFlight.value(key)) {
+        // A named awaiter, not a temporary: GCC 12 destroys a temporary awaiter of a co_await
+        // twice, which freed the shared flight under the caller that started it.
+        FlightAwaiter awaiter{existing.get()};
+        co_return co_await awaiter;
     }
     auto flight = std::make_shared<Flight>();
     m_inFlight.insert(key, flight);

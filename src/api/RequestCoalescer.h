@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoro/QCoroTask>
 #include <QHash>
 #include <QString>
-#include <QCoro/QCoroTask>
 
 #include <functional>
 #include <memory>

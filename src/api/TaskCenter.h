@@ -34,7 +34,8 @@ public:
     // `cancel` is kept when the task can be cancelled.
     void start(BackgroundTask task, std::function<void()> cancel = {});
     // Sets progress (also to none); sets the detail only when one is given.
-    void update(const QUuid& id, std::optional<double> progress, std::optional<QString> detail = std::nullopt);
+    void update(const QUuid& id, std::optional<double> progress,
+                std::optional<QString> detail = std::nullopt);
     void finish(const QUuid& id);
     // Calls the job's cancel function, if any, and removes the task at once.
     void cancel(const QUuid& id);

@@ -28,7 +28,8 @@ struct ParsedArgs {
     QString error;
 };
 
-ParsedArgs parse(const QStringList& arguments, const QSet<QString>& valueOptions, const QSet<QString>& flagOptions) {
+ParsedArgs parse(const QStringList& arguments, const QSet<QString>& valueOptions,
+                 const QSet<QString>& flagOptions) {
     ParsedArgs parsed;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& arg = arguments[i];
@@ -62,7 +63,8 @@ ParsedArgs parse(const QStringList& arguments, const QSet<QString>& valueOptions
 }
 
 QString jsonText(const QJsonValue& value) {
-    const QJsonDocument doc = value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+    const QJsonDocument doc =
+        value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
     return QString::fromUtf8(doc.toJson(QJsonDocument::Indented)).trimmed();
 }
 
@@ -193,8 +195,8 @@ int CommandLine::accountsList(const QStringList& arguments) {
         return 0;
     }
     for (const auto& account : store.accounts()) {
-        m_out << (selected == account.id ? u"* "_s : u"  "_s) << account.name << u"  (Key-ID "_s << account.keyID
-              << u", Issuer "_s << account.issuerID << u')';
+        m_out << (selected == account.id ? u"* "_s : u"  "_s) << account.name << u"  (Key-ID "_s
+              << account.keyID << u", Issuer "_s << account.issuerID << u')';
         if (account.isReadOnly) {
             m_out << u"  [nur lesen]"_s;
         }
@@ -207,8 +209,8 @@ int CommandLine::accountsList(const QStringList& arguments) {
 }
 
 QCoro::Task<int> CommandLine::accountsAdd(QStringList arguments) {
-    const auto args = parse(arguments,
-                            {u"--name"_s, u"--issuer-id"_s, u"--key-id"_s, u"--key-file"_s, u"--vendor-number"_s}, {});
+    const auto args = parse(
+        arguments, {u"--name"_s, u"--issuer-id"_s, u"--key-id"_s, u"--key-file"_s, u"--vendor-number"_s}, {});
     if (!args.error.isEmpty()) {
         co_return usage(args.error);
     }
@@ -218,7 +220,8 @@ QCoro::Task<int> CommandLine::accountsAdd(QStringList arguments) {
         }
     }
     if (m_state.accountStore().isEphemeral()) {
-        m_err << u"Solange VARNIS_ISSUER_ID, VARNIS_KEY_ID und VARNIS_KEY_FILE gesetzt sind, werden keine Accounts "
+        m_err << u"Solange VARNIS_ISSUER_ID, VARNIS_KEY_ID und VARNIS_KEY_FILE gesetzt sind, werden keine "
+                 u"Accounts "
                  "gespeichert.\n"_s;
         co_return 1;
     }
@@ -237,7 +240,7 @@ QCoro::Task<int> CommandLine::accountsAdd(QStringList arguments) {
     const auto findings = KeyImportValidator::findings(keyID, issuerID, pem, QFileInfo(keyFile).fileName());
     for (const auto& finding : findings) {
         m_err << (finding.severity == KeyImportValidator::Finding::Severity::Blocking ? u"Fehler: "_s
-                                                                                       : u"Hinweis: "_s)
+                                                                                      : u"Hinweis: "_s)
               << finding.message << u'\n';
     }
     if (KeyImportValidator::hasBlocking(findings)) {
@@ -252,7 +255,8 @@ QCoro::Task<int> CommandLine::accountsAdd(QStringList arguments) {
         co_return 1;
     }
     try {
-        const Account account = co_await m_state.accountStore().addAccount(name, issuerID, keyID, pem, vendor);
+        const Account account =
+            co_await m_state.accountStore().addAccount(name, issuerID, keyID, pem, vendor);
         m_out << u"Account „%1“ gespeichert.\n"_s.arg(account.name);
     } catch (const std::exception& error) {
         m_err << describeError(error) << u'\n';
@@ -264,7 +268,8 @@ QCoro::Task<int> CommandLine::accountsAdd(QStringList arguments) {
 QCoro::Task<int> CommandLine::accountsRemove(QStringList arguments) {
     const auto args = parse(arguments, {}, {});
     if (!args.error.isEmpty() || args.positional.size() != 1) {
-        co_return usage(args.error.isEmpty() ? u"„accounts remove“ braucht genau einen Namen."_s : args.error);
+        co_return usage(args.error.isEmpty() ? u"„accounts remove“ braucht genau einen Namen."_s
+                                             : args.error);
     }
     const auto account = findAccount(m_state.accountStore(), args.positional.first());
     if (!account) {
@@ -272,7 +277,8 @@ QCoro::Task<int> CommandLine::accountsRemove(QStringList arguments) {
         co_return 1;
     }
     if (m_state.accountStore().isEphemeral()) {
-        m_err << u"Der Account aus der Umgebung wird nirgends gespeichert und muss nicht entfernt werden.\n"_s;
+        m_err
+            << u"Der Account aus der Umgebung wird nirgends gespeichert und muss nicht entfernt werden.\n"_s;
         co_return 1;
     }
     try {
@@ -299,7 +305,8 @@ QCoro::Task<int> CommandLine::accountsProbe(QStringList arguments) {
     if (args.flags.contains(u"--json"_s)) {
         QJsonArray rows;
         for (const auto& f : caps.findings()) {
-            rows.append(QJsonObject{{u"title"_s, f.title}, {u"available"_s, f.available}, {u"hint"_s, f.hint}});
+            rows.append(
+                QJsonObject{{u"title"_s, f.title}, {u"available"_s, f.available}, {u"hint"_s, f.hint}});
         }
         QJsonObject o = caps.toJson();
         o.insert(u"findings"_s, rows);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QStringList>
 #include <QCoro/QCoroTask>
+#include <QStringList>
 
 class AppState;
 class QTextStream;

@@ -62,16 +62,17 @@ void ManualClock::schedule(double seconds, QObject* context, std::function<void(
     // Entries whose context is gone can never fire; drop them so that long runs stay small.
     m_pending.removeIf([](const Pending& p) { return p.hasContext && !p.context; });
     const qint64 ms = qint64(std::llround(std::max(0.0, seconds) * 1000.0));
-    m_pending.append(Pending{m_now.addMSecs(ms), m_nextOrder++, QPointer<QObject>(context), context != nullptr,
-                             std::move(callback)});
+    m_pending.append(Pending{m_now.addMSecs(ms), m_nextOrder++, QPointer<QObject>(context),
+                             context != nullptr, std::move(callback)});
 }
 
 void ManualClock::advance(double seconds) {
     const QDateTime target = m_now.addMSecs(qint64(std::llround(seconds * 1000.0)));
     for (;;) {
-        auto next = std::min_element(m_pending.begin(), m_pending.end(), [](const Pending& a, const Pending& b) {
-            return a.due < b.due || (a.due == b.due && a.order < b.order);
-        });
+        auto next =
+            std::min_element(m_pending.begin(), m_pending.end(), [](const Pending& a, const Pending& b) {
+                return a.due < b.due || (a.due == b.due && a.order < b.order);
+            });
         if (next == m_pending.end() || next->due > target) {
             break;
         }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QDateTime>
-#include <QTimeZone>
 #include <QList>
 #include <QPointer>
-#include <QCoro/QCoroTask>
+#include <QTimeZone>
 
 #include <functional>
 

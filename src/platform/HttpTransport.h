@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoro/QCoroTask>
 #include <QList>
 #include <QPair>
 #include <QString>
 #include <QUrl>
-#include <QCoro/QCoroTask>
 
 #include <exception>
 #include <optional>

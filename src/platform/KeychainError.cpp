@@ -29,7 +29,7 @@ QString KeychainError::errorDescription() const {
     case Kind::Unavailable:
         return u"Kein Schlüsselbund erreichbar (%1). Auf Rechnern ohne Schlüsselbund lässt sich ein "
                "Account für einen Lauf über VARNIS_ISSUER_ID, VARNIS_KEY_ID und VARNIS_KEY_FILE angeben."_s
-            .arg(m_platformMessage.isEmpty() ? u"kein Secret Service"_s : m_platformMessage);
+                   .arg(m_platformMessage.isEmpty() ? u"kein Secret Service"_s : m_platformMessage);
     }
     return {};
 }

@@ -3,12 +3,12 @@
 #include "platform/Clock.h"
 
 #include <QCoreApplication>
+#include <QCoro/QCoroNetworkReply>
 #include <QNetworkAccessManager>
 #include <QNetworkInformation>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
-#include <QCoro/QCoroNetworkReply>
 
 #include <algorithm>
 
@@ -49,7 +49,8 @@ QString germanDescription(QNetworkReply::NetworkError error) {
 }
 
 bool machineIsOffline() {
-    static const bool loaded = QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
+    static const bool loaded =
+        QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
     if (!loaded || !QNetworkInformation::instance()) {
         return false;
     }
@@ -125,7 +126,9 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
 
         auto watch = std::make_shared<InactivityWatch>(
             InactivityWatch{m_clock, reply.get(), request.timeoutSeconds, m_clock->now()});
-        auto touch = [watch]() { watch->lastActivity = watch->clock->now(); };
+        auto touch = [watch]() {
+            watch->lastActivity = watch->clock->now();
+        };
         QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(), touch);
         QObject::connect(reply.get(), &QNetworkReply::uploadProgress, reply.get(), touch);
         watch->arm(request.timeoutSeconds, watch);

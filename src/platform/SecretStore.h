@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
 #include <QCoro/QCoroTask>
+#include <QString>
 
 // Secret bytes under a two-level name (service, account). Saving an existing account replaces
 // its value; reading a missing one raises KeychainError::notFound; removing a missing one is fine.

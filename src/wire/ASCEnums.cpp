@@ -6,8 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template <class Case>
-struct Row {
+template <class Case> struct Row {
     Case value;
     QStringView raw;
     QStringView display;
@@ -25,8 +24,7 @@ Case lookup(const std::array<Row<Case>, N>& table, const QString& raw, bool& fou
     return Case::Unknown;
 }
 
-template <class Case, size_t N>
-const Row<Case>* find(const std::array<Row<Case>, N>& table, Case value) {
+template <class Case, size_t N> const Row<Case>* find(const std::array<Row<Case>, N>& table, Case value) {
     for (const auto& row : table) {
         if (row.value == value) {
             return &row;

@@ -17,8 +17,9 @@ QList<AppleErrorObject> AppleErrorDocument::decodeLenient(const QByteArray& body
         const auto errors = root.array(u"errors"_s);
         for (const auto& value : errors) {
             const auto e = JsonReader::of(value, u"errors"_s);
-            result.append(AppleErrorObject{e.optString(u"id"_s), e.optString(u"status"_s), e.optString(u"code"_s),
-                                           e.optString(u"title"_s), e.optString(u"detail"_s)});
+            result.append(AppleErrorObject{e.optString(u"id"_s), e.optString(u"status"_s),
+                                           e.optString(u"code"_s), e.optString(u"title"_s),
+                                           e.optString(u"detail"_s)});
         }
     } catch (const DecodingError&) {
         return {};

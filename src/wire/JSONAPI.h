@@ -35,8 +35,7 @@ struct JSONAPILinkage {
 
 // One resource of a JSON:API document. `Attributes` provides `static Attributes fromJson(const
 // JsonReader&)`. Relationships stay raw for the domain types that read them.
-template <class Attributes>
-struct JSONAPIResource {
+template <class Attributes> struct JSONAPIResource {
     QString type;
     QString id;
     std::optional<Attributes> attributes;
@@ -56,8 +55,7 @@ struct JSONAPIResource {
     }
 };
 
-template <class T>
-struct APIResponse {
+template <class T> struct APIResponse {
     T data;
     std::optional<PagingLinks> links;
     std::optional<PagingMeta> meta;
@@ -70,8 +68,7 @@ JsonReader documentRoot(const QByteArray& body);
 void readEnvelope(const JsonReader& root, std::optional<PagingLinks>& links, std::optional<PagingMeta>& meta);
 
 // `T` provides `static T fromJson(const JsonReader&)`.
-template <class T>
-APIResponse<QList<T>> list(const QByteArray& body) {
+template <class T> APIResponse<QList<T>> list(const QByteArray& body) {
     const JsonReader root = documentRoot(body);
     APIResponse<QList<T>> response;
     const QJsonArray data = root.array(QStringLiteral("data"));
@@ -83,14 +80,12 @@ APIResponse<QList<T>> list(const QByteArray& body) {
     return response;
 }
 
-template <class T>
-T single(const QByteArray& body) {
+template <class T> T single(const QByteArray& body) {
     const JsonReader root = documentRoot(body);
     return T::fromJson(root.objectAt(QStringLiteral("data")));
 }
 
-template <class T>
-std::optional<T> singleOptional(const QByteArray& body) {
+template <class T> std::optional<T> singleOptional(const QByteArray& body) {
     const JsonReader root = documentRoot(body);
     if (!root.contains(QStringLiteral("data"))) {
         root.fail(QStringLiteral("data"), QStringLiteral("an object or null"));

@@ -7,7 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
-JsonReader::JsonReader(QJsonObject object, QString path) : m_object(std::move(object)), m_path(std::move(path)) {}
+JsonReader::JsonReader(QJsonObject object, QString path)
+    : m_object(std::move(object)), m_path(std::move(path)) {}
 
 JsonReader JsonReader::of(const QJsonValue& value, const QString& path) {
     if (!value.isObject()) {
@@ -178,7 +179,8 @@ QDateTime parseIso(const QString& text, bool fractional) {
     }
     int offset = 0;
     if (m.captured(9) != u"Z"_s) {
-        offset = (m.captured(11).toInt() * 3600 + m.captured(12).toInt() * 60) * (m.captured(10) == u"-"_s ? -1 : 1);
+        offset = (m.captured(11).toInt() * 3600 + m.captured(12).toInt() * 60) *
+                 (m.captured(10) == u"-"_s ? -1 : 1);
     }
     return QDateTime(date, time, Qt::OffsetFromUTC, offset).toUTC();
 }

@@ -14,7 +14,8 @@ VelmoraAPIError VelmoraAPIError::decoding(QString underlying) {
     return e;
 }
 
-VelmoraAPIError VelmoraAPIError::http(int status, std::optional<QString> requestID, QList<AppleErrorObject> apple) {
+VelmoraAPIError VelmoraAPIError::http(int status, std::optional<QString> requestID,
+                                      QList<AppleErrorObject> apple) {
     VelmoraAPIError e(Kind::Http);
     e.m_status = status;
     e.m_requestID = std::move(requestID);
@@ -78,14 +79,18 @@ QString VelmoraAPIError::errorDescription() const {
     case Kind::RateLimited:
         return u"Zu viele Anfragen an App Store Connect. Bitte kurz warten."_s;
     case Kind::RateLimitBudgetExhausted:
-        return u"Apples Stundenbudget ist fast aufgebraucht (%1 von %2 übrig). Hintergrundarbeit pausiert, damit "
-               "interaktive Anfragen weiter durchkommen."_s.arg(m_remaining).arg(m_limit);
+        return u"Apples Stundenbudget ist fast aufgebraucht (%1 von %2 übrig). Hintergrundarbeit pausiert, "
+               u"damit "
+               "interaktive Anfragen weiter durchkommen."_s.arg(m_remaining)
+                   .arg(m_limit);
     case Kind::Forbidden:
         if (!m_apple.isEmpty() && m_apple.first().detail) {
             return *m_apple.first().detail;
         }
-        return u"Der API-Schlüssel hat keine Berechtigung für diese Aktion. Manche Bereiche (z. B. Analytics) "
-               "benötigen eine zusätzliche, explizit vergebene Berechtigung – prüfe die Schlüssel-Rolle in App "
+        return u"Der API-Schlüssel hat keine Berechtigung für diese Aktion. Manche Bereiche (z. B. "
+               u"Analytics) "
+               "benötigen eine zusätzliche, explizit vergebene Berechtigung – prüfe die Schlüssel-Rolle in "
+               "App "
                "Store Connect."_s;
     case Kind::UploadFailed:
     case Kind::WorkflowConflict:

@@ -129,9 +129,10 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
 
     if (!collected.isEmpty()) {
         QCollator collator(QLocale(QLocale::German, QLocale::Germany));
-        std::stable_sort(collected.begin(), collected.end(), [&collator](const ManagedApp& a, const ManagedApp& b) {
-            return collator.compare(a.name, b.name) < 0;
-        });
+        std::stable_sort(collected.begin(), collected.end(),
+                         [&collator](const ManagedApp& a, const ManagedApp& b) {
+                             return collator.compare(a.name, b.name) < 0;
+                         });
         m_appsFromCacheAge.reset();
         m_appsError = failures.isEmpty() ? std::nullopt : std::optional<QString>(failures.join(u" · "_s));
         setApps(std::move(collected));

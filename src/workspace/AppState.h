@@ -4,8 +4,8 @@
 #include "workspace/ManagedApp.h"
 #include "workspace/SidebarSection.h"
 
-#include <QObject>
 #include <QCoro/QCoroTask>
+#include <QObject>
 
 #include <memory>
 #include <optional>

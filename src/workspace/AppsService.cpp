@@ -12,8 +12,8 @@ QString AppsService::diskKey(const QUuid& accountID) {
     return u"apps-"_s + Account::idText(accountID);
 }
 
-QCoro::Task<QList<ManagedApp>> AppsService::apps(Account account, std::shared_ptr<AppStoreConnectClient> client,
-                                                 bool forceRefresh) {
+QCoro::Task<QList<ManagedApp>>
+AppsService::apps(Account account, std::shared_ptr<AppStoreConnectClient> client, bool forceRefresh) {
     if (!forceRefresh) {
         if (auto it = m_cache.constFind(account.id); it != m_cache.cend()) {
             const double age = double(it->fetchedAt.msecsTo(m_clock->now())) / 1000.0;

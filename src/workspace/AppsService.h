@@ -4,8 +4,8 @@
 #include "api/DiskCache.h"
 #include "workspace/ManagedApp.h"
 
-#include <QHash>
 #include <QCoro/QCoroTask>
+#include <QHash>
 
 #include <memory>
 

@@ -13,9 +13,11 @@ QList<ManagedApp> MockData::apps() {
         return a;
     };
     return {
-        app(u"demo-aurora-journal"_s, u"Aurora Journal"_s, u"com.example.aurorajournal"_s, u"AURORAJOURNAL"_s),
+        app(u"demo-aurora-journal"_s, u"Aurora Journal"_s, u"com.example.aurorajournal"_s,
+            u"AURORAJOURNAL"_s),
         app(u"demo-fjord-weather"_s, u"Fjord Weather"_s, u"com.example.fjordweather"_s, u"FJORDWEATHER"_s),
-        app(u"demo-runestone-notes"_s, u"Runestone Notes"_s, u"com.example.runestonenotes"_s, u"RUNESTONENOTES"_s),
+        app(u"demo-runestone-notes"_s, u"Runestone Notes"_s, u"com.example.runestonenotes"_s,
+            u"RUNESTONENOTES"_s),
         app(u"demo-varnis-budget"_s, u"Varnis Budget"_s, u"com.example.varnisbudget"_s, u"VARNISBUDGET"_s),
     };
 }

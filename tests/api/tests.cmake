@@ -1,0 +1,7 @@
+varnis_add_test(NAME tst_governor LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_governor.cpp)
+varnis_add_test(NAME tst_auth LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_auth.cpp)
+varnis_add_test(NAME tst_auditlog LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_auditlog.cpp)
+varnis_add_test(NAME tst_client LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_client.cpp)
+varnis_add_test(NAME tst_http LABEL integration SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_http.cpp)
+varnis_add_test(NAME tst_accounts LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_accounts.cpp)
+varnis_add_test(NAME tst_stores LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_stores.cpp)
