@@ -73,9 +73,11 @@ bool waitsForConnectivity(QNetworkReply::NetworkError error) {
     }
 }
 
-// Aborts a reply after `timeout` seconds without any transfer progress.
+// Aborts a reply after `timeout` seconds without any transfer progress. Its timer lives no longer
+// than the reply (the reply is the timer's context), so a plain pointer to the clock is enough and
+// no cycle runs through the clock's own list of timers.
 struct InactivityWatch {
-    std::shared_ptr<Clock> clock;
+    Clock* clock;
     QNetworkReply* reply;
     double timeout;
     QDateTime lastActivity;
@@ -125,7 +127,7 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
                 : sharedManager()->sendCustomRequest(req, request.method, request.body));
 
         auto watch = std::make_shared<InactivityWatch>(
-            InactivityWatch{m_clock, reply.get(), request.timeoutSeconds, m_clock->now()});
+            InactivityWatch{m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now()});
         auto touch = [watch]() {
             watch->lastActivity = watch->clock->now();
         };
