@@ -98,3 +98,11 @@ void AppPreferencesStore::setSavedFilter(const QString& value, const QString& ke
     m_settings->setValue(kSavedFilters, map);
     Q_EMIT changed();
 }
+
+QString AppPreferencesStore::sceneText(const QString& key, const QString& fallback) const {
+    return m_settings->value(key, fallback).toString();
+}
+
+void AppPreferencesStore::setSceneText(const QString& key, const QString& value) {
+    m_settings->setValue(key, value);
+}

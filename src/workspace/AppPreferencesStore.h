@@ -37,6 +37,9 @@ public:
     void markUsed(const QString& appID);
     void toggleFavorite(const QString& appID);
     QString savedFilter(const QString& key) const { return m_savedFilters.value(key); }
+    // Small per-window texts ("velmora.main.appID"), kept so that a window opens where it was left.
+    QString sceneText(const QString& key, const QString& fallback) const;
+    void setSceneText(const QString& key, const QString& value);
     void setSavedFilter(const QString& value, const QString& key);
 
 Q_SIGNALS:

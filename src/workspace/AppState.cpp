@@ -9,12 +9,14 @@
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
 #include "workspace/MockData.h"
+#include "workspace/VelmoraURL.h"
 
 #include <QCollator>
 #include <QPointer>
 #include <QSettings>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +27,10 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
     m_taskCenter = std::make_unique<TaskCenter>();
     m_accountStore = std::make_unique<AccountStore>(m_platform);
-    connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, &AppState::demoModeChanged);
+    connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, [this] {
+        dropSamplesUnlessDemo();
+        Q_EMIT demoModeChanged();
+    });
 }
 
 AppState::~AppState() = default;
@@ -61,7 +66,18 @@ void AppState::setDemoModeEnabled(bool on) {
         return;
     }
     m_isDemoModeEnabled = on;
+    dropSamplesUnlessDemo();
     Q_EMIT demoModeChanged();
+}
+
+void AppState::dropSamplesUnlessDemo() {
+    // Sample data must leave no trace once the demo ends, whether the switch went off or an
+    // account arrived.
+    if (m_appsAreSamples && !isDemoActive()) {
+        m_appsAreSamples = false;
+        clearSelectedApp();
+        setApps({});
+    }
 }
 
 void AppState::setApps(QList<ManagedApp> apps) {
@@ -81,6 +97,7 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
     QPointer<AppState> self(this);
     if (isDemoActive()) {
         setApps(MockData::apps());
+        m_appsAreSamples = true;
         co_return;
     }
     const auto selected = m_accountStore->selectedAccount();
@@ -173,4 +190,110 @@ void AppState::clearSelectedApp() {
     }
     m_selectedApp.reset();
     Q_EMIT selectedAppChanged();
+}
+
+std::optional<ManagedApp> AppState::findApp(const QString& id) const {
+    const auto it =
+        std::find_if(m_apps.cbegin(), m_apps.cend(), [&id](const ManagedApp& app) { return app.id == id; });
+    if (it == m_apps.cend()) {
+        return std::nullopt;
+    }
+    return *it;
+}
+
+void AppState::open(const QUrl& url) {
+    QCoro::connect(openAsync(url), this, [] {});
+}
+
+QCoro::Task<> AppState::openAsync(QUrl url) {
+    QPointer<AppState> self(this);
+    try {
+        const auto destination = VelmoraURL::destination(url);
+        if (!destination) {
+            co_return;
+        }
+        auto app = findApp(destination->appID);
+        if (!app) {
+            co_await loadApps(false);
+            if (!self) {
+                co_return;
+            }
+            app = findApp(destination->appID);
+            if (!app) {
+                co_return;
+            }
+        }
+        selectApp(*app);
+        if (destination->section) {
+            setSelectedSection(destination->section);
+        }
+    } catch (...) {
+        // A link comes from outside and is opened without anyone waiting for it: whatever goes
+        // wrong, it leaves the state as it was and shows nothing.
+    }
+}
+
+void AppState::startRestoringLastState(const QString& appID, const QString& sectionRaw) {
+    QCoro::connect(restoreLastState(appID, sectionRaw), this, [] {});
+}
+
+QCoro::Task<> AppState::restoreLastState(QString appID, QString sectionRaw) {
+    if (m_selectedApp || appID.isEmpty()) {
+        co_return;
+    }
+    QPointer<AppState> self(this);
+    try {
+        if (m_apps.isEmpty()) {
+            co_await loadApps(false);
+            if (!self) {
+                co_return;
+            }
+            // The user picked an app while the list was loading; that choice wins over last time's.
+            if (m_selectedApp) {
+                co_return;
+            }
+        }
+        const auto app = findApp(appID);
+        if (!app) {
+            co_return;
+        }
+        selectApp(*app);
+        if (const auto section = SidebarSections::fromRaw(sectionRaw)) {
+            setSelectedSection(section);
+        }
+    } catch (...) {
+        // Restoring is a convenience at start-up; failing it leaves the app list as it is.
+    }
+}
+
+void AppState::setPendingLocale(std::optional<QString> locale) {
+    if (m_pendingLocale == locale) {
+        return;
+    }
+    m_pendingLocale = std::move(locale);
+    Q_EMIT pendingLocaleChanged();
+}
+
+std::optional<QString> AppState::consumePendingLocale() {
+    auto value = std::exchange(m_pendingLocale, std::nullopt);
+    if (value) {
+        Q_EMIT pendingLocaleChanged();
+    }
+    return value;
+}
+
+void AppState::setPendingVersionID(std::optional<QString> versionID) {
+    if (m_pendingVersionID == versionID) {
+        return;
+    }
+    m_pendingVersionID = std::move(versionID);
+    Q_EMIT pendingVersionIDChanged();
+}
+
+std::optional<QString> AppState::consumePendingVersionID() {
+    auto value = std::exchange(m_pendingVersionID, std::nullopt);
+    if (value) {
+        Q_EMIT pendingVersionIDChanged();
+    }
+    return value;
 }

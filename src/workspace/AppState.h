@@ -6,6 +6,7 @@
 
 #include <QCoro/QCoroTask>
 #include <QObject>
+#include <QUrl>
 
 #include <memory>
 #include <optional>
@@ -61,16 +62,41 @@ public:
     void selectApp(const ManagedApp& app);
     void clearSelectedApp();
 
+    // Opens a velmora:// link: selects its app and, if the link names one, its section. An app that
+    // is not in the list yet is looked for again after a load. A link that is malformed or names an
+    // unknown app changes nothing and reports nothing: it may come from anywhere.
+    Q_INVOKABLE void open(const QUrl& url);
+    QCoro::Task<> openAsync(QUrl url);
+
+    // Brings back the app and section a window showed last time (its stored texts), unless an app
+    // has been selected already. The section is only restored together with its app.
+    QCoro::Task<> restoreLastState(QString appID, QString sectionRaw);
+    // The same without waiting; the task belongs to this object.
+    Q_INVOKABLE void startRestoringLastState(const QString& appID, const QString& sectionRaw);
+
+    // What the next section to open should show first. Whoever sets it sets it before the section,
+    // because the section's screen takes it when it opens; taking it clears it.
+    const std::optional<QString>& pendingLocale() const { return m_pendingLocale; }
+    void setPendingLocale(std::optional<QString> locale);
+    std::optional<QString> consumePendingLocale();
+    const std::optional<QString>& pendingVersionID() const { return m_pendingVersionID; }
+    void setPendingVersionID(std::optional<QString> versionID);
+    std::optional<QString> consumePendingVersionID();
+
 Q_SIGNALS:
     void appsChanged();
     void loadingChanged();
     void selectedAppChanged();
     void selectedSectionChanged();
     void demoModeChanged();
+    void pendingLocaleChanged();
+    void pendingVersionIDChanged();
 
 private:
     void setApps(QList<ManagedApp> apps);
+    void dropSamplesUnlessDemo();
     void setLoading(bool loading);
+    std::optional<ManagedApp> findApp(const QString& id) const;
 
     Platform m_platform;
     std::unique_ptr<AppPreferencesStore> m_preferences;
@@ -85,5 +111,8 @@ private:
     std::optional<ManagedApp> m_selectedApp;
     std::optional<SidebarSection> m_selectedSection = SidebarSection::Overview;
     bool m_isDemoModeEnabled = false;
+    std::optional<QString> m_pendingLocale;
+    std::optional<QString> m_pendingVersionID;
+    bool m_appsAreSamples = false;
     std::optional<bool> m_allAccountsOverride;
 };

@@ -21,3 +21,324 @@ QList<ManagedApp> MockData::apps() {
         app(u"demo-varnis-budget"_s, u"Varnis Budget"_s, u"com.example.varnisbudget"_s, u"VARNISBUDGET"_s),
     };
 }
+
+namespace {
+
+constexpr qint64 hour = 3600;
+constexpr qint64 day = 86400;
+
+// A moment `seconds` after `now` (negative: before), in UTC like every date of the API.
+QDateTime at(const QDateTime& now, qint64 seconds) {
+    return now.toUTC().addSecs(seconds);
+}
+
+// The name of a demo app, or a neutral one for an id from elsewhere.
+QString appName(const QString& appID) {
+    for (const ManagedApp& app : MockData::apps()) {
+        if (app.id == appID) {
+            return app.name;
+        }
+    }
+    return u"Demo-App"_s;
+}
+
+} // namespace
+
+QList<VelmoraVersion> MockData::versions(const QString& appID, const QDateTime& now) {
+    auto version = [&](QString suffix, QString number, ASCAppStoreVersionState::Case state,
+                       ASCReleaseType releaseType, qint64 age) {
+        VelmoraVersion v;
+        v.id = appID + suffix;
+        v.versionString = std::move(number);
+        v.platform = ASCPlatform(ASCPlatform::Case::Ios);
+        v.state = ASCAppStoreVersionState(state);
+        v.createdDate = at(now, -age);
+        v.releaseType = releaseType;
+        v.copyright = QString::number(now.toUTC().date().year()) + u" Example Studio GmbH"_s;
+        return v;
+    };
+    using S = ASCAppStoreVersionState::Case;
+    return {
+        version(u"-v3"_s, u"2.3"_s, S::PrepareForSubmission, ASCReleaseType::Manual, 2 * day),
+        version(u"-v2"_s, u"2.2"_s, S::ReadyForSale, ASCReleaseType::AfterApproval, 14 * day),
+        version(u"-v1"_s, u"2.1"_s, S::ReplacedWithNewVersion, ASCReleaseType::AfterApproval, 60 * day),
+    };
+}
+
+QList<ManagedBuild> MockData::builds(const QString& appID, const QDateTime& now) {
+    auto build = [&](QString suffix, QString number, qint64 age, qint64 expiresIn) {
+        ManagedBuild b;
+        b.id = appID + suffix;
+        b.buildNumber = std::move(number);
+        b.uploadedDate = at(now, -age);
+        b.expirationDate = at(now, expiresIn);
+        b.isExpired = expiresIn <= 0;
+        b.minOSVersion = u"17.0"_s;
+        b.processingState = ASCProcessingState(ASCProcessingState::Case::Valid);
+        b.usesNonExemptEncryption = false;
+        return b;
+    };
+    return {
+        build(u"-b3"_s, u"142"_s, hour, 89 * day),
+        build(u"-b2"_s, u"141"_s, 2 * day, 87 * day),
+        build(u"-b1"_s, u"140"_s, 95 * day, -5 * day),
+    };
+}
+
+QList<ManagedReview> MockData::reviews(const QString& appID, const QDateTime& now) {
+    auto review = [&](QString suffix, int rating, QString title, QString body, QString nickname,
+                      QString territory, qint64 age) {
+        ManagedReview r;
+        r.id = appID + suffix;
+        r.rating = rating;
+        r.title = std::move(title);
+        r.body = std::move(body);
+        r.reviewerNickname = std::move(nickname);
+        r.createdDate = at(now, -age);
+        r.territory = std::move(territory);
+        return r;
+    };
+    QList<ManagedReview> list{
+        review(u"-r1"_s, 5, u"Endlich übersichtlich"_s,
+               u"Seit dem letzten Update finde ich alles auf Anhieb. Die neue Startseite ist großartig."_s,
+               u"LenaAusLeipzig"_s, u"DEU"_s, 1 * day),
+        review(u"-r2"_s, 2, u"Absturz beim Export"_s,
+               u"Beim Export als PDF stürzt die App jedes Mal ab. Bitte schnell beheben!"_s, u"mkoch"_s,
+               u"AUT"_s, 4 * day),
+        review(u"-r3"_s, 4, u"Great app, one wish"_s,
+               u"Works well on my iPad. A dark theme for the widgets would be lovely."_s, u"fjordfan"_s,
+               u"USA"_s, 9 * day),
+    };
+    list[0].existingResponseID = appID + u"-resp1"_s;
+    return list;
+}
+
+ManagedReviewResponse MockData::reviewResponse(const QString& reviewID, const QDateTime& now) {
+    ManagedReviewResponse r;
+    r.id = reviewID + u"-resp"_s;
+    r.responseBody = u"Danke für dein Feedback! Wir freuen uns, dass dir die neue Version gefällt."_s;
+    r.lastModifiedDate = at(now, -20 * hour);
+    r.state = ASCReviewResponseState(ASCReviewResponseState::Case::Published);
+    return r;
+}
+
+QList<ManagedLocalization> MockData::localizations(const QString& appID) {
+    const QString name = appName(appID);
+    ManagedLocalization de;
+    de.locale = u"de-DE"_s;
+    de.appInfoLocalizationID = appID + u"-info-de"_s;
+    de.name = name;
+    de.subtitle = u"Dein Tag, schön festgehalten"_s;
+    de.privacyPolicyURL = u"https://example.com/de/datenschutz"_s;
+    de.versionLocalizationID = appID + u"-ver-de"_s;
+    de.description = name + u" bringt Ordnung in deinen Alltag: alles Wichtige an einem ruhigen Ort, "
+                            u"synchron auf iPhone und iPad und ohne Werbung."_s;
+    de.keywords = u"tagebuch,notizen,planer,ordnung,alltag,synchron"_s;
+    de.promotionalText = u"Neu: Themes für Nachteulen und ein schnellerer Export."_s;
+    de.whatsNew = u"• Export großer Dateien ist schneller und stabiler\n• Neue dunkle Themes\n"
+                  u"• Kleinere Fehlerbehebungen"_s;
+    de.marketingURL = u"https://example.com/de"_s;
+    de.supportURL = u"https://example.com/de/hilfe"_s;
+
+    ManagedLocalization en;
+    en.locale = u"en-US"_s;
+    en.appInfoLocalizationID = appID + u"-info-en"_s;
+    en.name = name;
+    en.subtitle = u"Your day, beautifully kept"_s;
+    en.privacyPolicyURL = u"https://example.com/privacy"_s;
+    en.versionLocalizationID = appID + u"-ver-en"_s;
+    en.description = name + u" brings calm to your everyday life: everything that matters in one "
+                            u"place, in sync on iPhone and iPad, with no ads."_s;
+    en.keywords = u"journal,notes,planner,organize,daily,sync"_s;
+    en.promotionalText = u"New: themes for night owls and a faster export."_s;
+    en.whatsNew = u"• Exporting large files is faster and more reliable\n• New dark themes\n• Minor fixes"_s;
+    en.marketingURL = u"https://example.com"_s;
+    en.supportURL = u"https://example.com/support"_s;
+    return {de, en};
+}
+
+QList<ManagedScreenshotSet> MockData::screenshotSets(const QString& versionLocalizationID) {
+    return {
+        ManagedScreenshotSet{versionLocalizationID + u"-set1"_s, u"APP_IPHONE_67"_s},
+        ManagedScreenshotSet{versionLocalizationID + u"-set2"_s, u"APP_IPAD_PRO_3GEN_129"_s},
+    };
+}
+
+QList<ManagedScreenshot> MockData::screenshots(const QString& setID) {
+    // The iPad set is the second; everything else shows iPhone-sized images.
+    const bool iPad = setID.endsWith(u"-set2"_s);
+    QList<ManagedScreenshot> list;
+    for (int n = 1; n <= 3; ++n) {
+        ManagedScreenshot s;
+        s.id = setID + u"-shot"_s + QString::number(n);
+        s.fileName = u"screenshot-"_s + QString::number(n) + u".png"_s;
+        s.fileSize = 640'000 + 48'000 * n;
+        // No template URL: demo mode loads nothing from the network.
+        s.imageAsset = ASCImageAsset{std::nullopt, iPad ? 2048 : 1290, iPad ? 2732 : 2796};
+        s.deliveryState = ASCAssetDeliveryState(ASCAssetDeliveryState::Case::Complete);
+        list.append(s);
+    }
+    return list;
+}
+
+QList<ManagedBetaGroup> MockData::betaGroups(const QString& appID, const QDateTime& now) {
+    ManagedBetaGroup team;
+    team.id = appID + u"-g1"_s;
+    team.name = u"Internes Team"_s;
+    team.isInternal = true;
+    team.createdDate = at(now, -120 * day);
+    team.feedbackEnabled = true;
+    team.hasAccessToAllBuilds = true;
+
+    ManagedBetaGroup community;
+    community.id = appID + u"-g2"_s;
+    community.name = u"Beta-Community"_s;
+    community.createdDate = at(now, -45 * day);
+    community.publicLinkEnabled = true;
+    community.publicLink = u"https://testflight.example.com/join/"_s + community.id;
+    community.feedbackEnabled = true;
+    community.publicLinkLimit = 500;
+    community.publicLinkLimitEnabled = true;
+    return {team, community};
+}
+
+QList<ManagedBetaTester> MockData::betaTesters(const QString& groupID) {
+    auto tester = [&](QString suffix, QString first, QString last, QString email, ASCBetaInviteType invite,
+                      ASCBetaTesterState::Case state) {
+        ManagedBetaTester t;
+        t.id = groupID + suffix;
+        t.firstName = std::move(first);
+        t.lastName = std::move(last);
+        t.email = std::move(email);
+        t.inviteType = invite;
+        t.state = ASCBetaTesterState(state);
+        return t;
+    };
+    using S = ASCBetaTesterState::Case;
+    return {
+        tester(u"-t1"_s, u"Jonas"_s, u"Keller"_s, u"jonas.keller@example.com"_s, ASCBetaInviteType::Email,
+               S::Installed),
+        tester(u"-t2"_s, u"Lena"_s, u"Berger"_s, u"lena.berger@example.com"_s, ASCBetaInviteType::PublicLink,
+               S::Accepted),
+        tester(u"-t3"_s, u"Mira"_s, u"Sommer"_s, u"mira.sommer@example.com"_s, ASCBetaInviteType::Email,
+               S::Invited),
+    };
+}
+
+QList<ManagedBetaFeedback> MockData::betaFeedback(const QString& appID, const QDateTime& now) {
+    ManagedBetaFeedback crash;
+    crash.id = appID + u"-fb1"_s;
+    crash.kind = ManagedBetaFeedback::Kind::Crash;
+    crash.createdDate = at(now, -1 * day);
+    crash.comment = u"Absturz beim Export einer großen Datei."_s;
+    crash.email = u"jonas.keller@example.com"_s;
+    crash.deviceModel = u"iPhone15,2"_s;
+    crash.osVersion = u"17.4"_s;
+    crash.locale = u"de-DE"_s;
+    crash.appVersion = u"2.3 (141)"_s;
+    crash.batteryPercentage = 64;
+
+    ManagedBetaFeedback screenshot;
+    screenshot.id = appID + u"-fb2"_s;
+    screenshot.kind = ManagedBetaFeedback::Kind::Screenshot;
+    screenshot.createdDate = at(now, -3 * day);
+    screenshot.comment = u"Der Knopf überlappt bei großer Schrift."_s;
+    screenshot.email = u"lena.berger@example.com"_s;
+    screenshot.deviceModel = u"iPad13,4"_s;
+    screenshot.osVersion = u"17.3"_s;
+    screenshot.locale = u"de-DE"_s;
+    screenshot.appVersion = u"2.2 (140)"_s;
+    screenshot.batteryPercentage = 88;
+    // A file name but no URL: demo mode loads nothing from the network.
+    screenshot.screenshots = {ASCFeedbackImage{std::nullopt, u"feedback-1.png"_s, std::nullopt}};
+    return {crash, screenshot};
+}
+
+QList<ManagedInAppPurchase> MockData::inAppPurchases(const QString& appID) {
+    ManagedInAppPurchase themes;
+    themes.id = appID + u"-iap1"_s;
+    themes.name = u"Extra Journal Themes"_s;
+    themes.productID = u"com.example.aurorajournal.themes"_s;
+    themes.type = u"Nicht verbrauchbar"_s;
+    themes.state = u"Genehmigt"_s;
+    themes.rawState = u"APPROVED"_s;
+    themes.rawType = u"NON_CONSUMABLE"_s;
+    themes.reviewNote = u"Die Themes werden unter Einstellungen › Darstellung freigeschaltet."_s;
+    themes.isFamilySharable = true;
+
+    ManagedInAppPurchase backups;
+    backups.id = appID + u"-iap2"_s;
+    backups.name = u"50 Cloud Backups"_s;
+    backups.productID = u"com.example.aurorajournal.backups50"_s;
+    backups.type = u"Verbrauchbar"_s;
+    backups.state = u"Bereit zur Einreichung"_s;
+    backups.rawState = u"READY_TO_SUBMIT"_s;
+    backups.rawType = u"CONSUMABLE"_s;
+    return {themes, backups};
+}
+
+QList<ManagedSubscription> MockData::subscriptions(const QString& groupID) {
+    ManagedSubscription monthly;
+    monthly.id = groupID + u"-sub1"_s;
+    monthly.name = u"Aurora Plus monatlich"_s;
+    monthly.productID = u"com.example.aurorajournal.monthly"_s;
+    monthly.state = u"Genehmigt"_s;
+    monthly.period = u"1 Monat"_s;
+    monthly.groupLevel = 2;
+    monthly.rawState = u"APPROVED"_s;
+    monthly.rawPeriod = ASCSubscriptionPeriod::OneMonth;
+    monthly.isFamilySharable = true;
+
+    ManagedSubscription yearly;
+    yearly.id = groupID + u"-sub2"_s;
+    yearly.name = u"Aurora Plus jährlich"_s;
+    yearly.productID = u"com.example.aurorajournal.yearly"_s;
+    yearly.state = u"Bereit zur Einreichung"_s;
+    yearly.period = u"1 Jahr"_s;
+    yearly.groupLevel = 1;
+    yearly.rawState = u"READY_TO_SUBMIT"_s;
+    yearly.rawPeriod = ASCSubscriptionPeriod::OneYear;
+    yearly.reviewNote = u"Das Jahresabo schaltet dieselben Funktionen frei wie das Monatsabo."_s;
+    yearly.isFamilySharable = true;
+    return {monthly, yearly};
+}
+
+QList<ManagedAppEvent> MockData::appEvents(const QString& appID) {
+    return {ManagedAppEvent{appID + u"-ev1"_s, u"Neujahrs-Challenge"_s, u"PUBLISHED"_s}};
+}
+
+QList<ManagedAnalyticsReportRequest> MockData::analyticsReportRequests(const QString& appID) {
+    const QString kind = u"ONE_TIME_SNAPSHOT"_s;
+    return {ManagedAnalyticsReportRequest{appID + u"-req1"_s,
+                                          ManagedAnalyticsReportRequest::accessTypeLabel(kind), false}};
+}
+
+ManagedCiProduct MockData::ciProduct(const QString& appID) {
+    return ManagedCiProduct{appID + u"-ci"_s, u"Xcode Cloud"_s};
+}
+
+QList<ManagedCiWorkflow> MockData::ciWorkflows(const QString& productID) {
+    return {ManagedCiWorkflow{productID + u"-wf1"_s, u"Release-Build"_s, true}};
+}
+
+QList<ManagedCiBuildRun> MockData::ciBuildRuns(const QString& workflowID, const QDateTime& now) {
+    auto run = [&](QString suffix, int number, qint64 age, QString commit, QString status,
+                   QString rawStatus) {
+        ManagedCiBuildRun r;
+        r.id = workflowID + suffix;
+        r.number = number;
+        r.createdDate = at(now, -age);
+        r.startedDate = at(now, -age + 45);
+        r.finishedDate = at(now, -age + 14 * 60);
+        r.commitMessage = std::move(commit);
+        r.executionProgress = u"Abgeschlossen"_s;
+        r.completionStatus = std::move(status);
+        r.rawExecutionProgress = u"COMPLETE"_s;
+        r.rawCompletionStatus = std::move(rawStatus);
+        return r;
+    };
+    return {
+        run(u"-run1"_s, 42, 3 * hour, u"Fix crash on export"_s, u"Erfolgreich"_s, u"SUCCEEDED"_s),
+        run(u"-run2"_s, 41, 1 * day, u"Update onboarding texts"_s, u"Fehlgeschlagen"_s, u"FAILED"_s),
+    };
+}

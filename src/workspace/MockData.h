@@ -1,11 +1,63 @@
 #pragma once
 
+#include "cloud/ManagedCiBuildRun.h"
+#include "cloud/ManagedCiProduct.h"
+#include "cloud/ManagedCiWorkflow.h"
+#include "media/ManagedScreenshot.h"
+#include "media/ManagedScreenshotSet.h"
+#include "metadata/ManagedLocalization.h"
+#include "monetization/ManagedInAppPurchase.h"
+#include "monetization/ManagedSubscription.h"
+#include "presence/ManagedAppEvent.h"
+#include "release/VelmoraVersion.h"
+#include "reports/ManagedAnalyticsReportRequest.h"
+#include "reviews/ManagedReview.h"
+#include "reviews/ManagedReviewResponse.h"
+#include "testflight/ManagedBetaFeedback.h"
+#include "testflight/ManagedBetaGroup.h"
+#include "testflight/ManagedBetaTester.h"
+#include "testflight/ManagedBuild.h"
 #include "workspace/ManagedApp.h"
 
+#include <QDateTime>
 #include <QList>
 
 // Sample data for demo mode: pure functions, fresh values of the same types the services return,
 // so that a screen cannot tell them apart. Nothing here touches the network or a store.
+//
+// Every id is the parent's id plus a fixed suffix: repeated calls give equal values, a child can
+// be asked for by the id of its parent, and an id from elsewhere still yields a full list.
+// Times are offsets from the `now` the caller passes (the injected clock), so the sample never
+// ages and tests can pin it.
 namespace MockData {
 QList<ManagedApp> apps();
-}
+
+// Suffixes "-v3", "-v2", "-v1", newest first.
+QList<VelmoraVersion> versions(const QString& appID, const QDateTime& now);
+// Builds "142", "141", "140" with suffixes "-b3", "-b2", "-b1"; the last one has expired.
+QList<ManagedBuild> builds(const QString& appID, const QDateTime& now);
+// Suffixes "-r1", "-r2", "-r3"; only the first is answered.
+QList<ManagedReview> reviews(const QString& appID, const QDateTime& now);
+// The reply to a review: its id is the review's id plus "-resp".
+ManagedReviewResponse reviewResponse(const QString& reviewID, const QDateTime& now);
+// German and English, sorted by locale; ids end in "-info-de"/"-ver-de" and "-info-en"/"-ver-en".
+QList<ManagedLocalization> localizations(const QString& appID);
+// "-set1" for 6.7" iPhones, "-set2" for 12.9" iPads.
+QList<ManagedScreenshotSet> screenshotSets(const QString& versionLocalizationID);
+// Suffixes "-shot1" ..., file names "screenshot-1.png" ...
+QList<ManagedScreenshot> screenshots(const QString& setID);
+// "-g1" internal, "-g2" external with a public link.
+QList<ManagedBetaGroup> betaGroups(const QString& appID, const QDateTime& now);
+// Suffixes "-t1", "-t2", "-t3"; the third has only been invited.
+QList<ManagedBetaTester> betaTesters(const QString& groupID);
+// "-fb1" a crash, "-fb2" a screenshot, newest first.
+QList<ManagedBetaFeedback> betaFeedback(const QString& appID, const QDateTime& now);
+QList<ManagedInAppPurchase> inAppPurchases(const QString& appID);
+QList<ManagedSubscription> subscriptions(const QString& groupID);
+QList<ManagedAppEvent> appEvents(const QString& appID);
+QList<ManagedAnalyticsReportRequest> analyticsReportRequests(const QString& appID);
+ManagedCiProduct ciProduct(const QString& appID);
+QList<ManagedCiWorkflow> ciWorkflows(const QString& productID);
+// "-run1" (finished, succeeded) and "-run2" (finished, failed), newest first.
+QList<ManagedCiBuildRun> ciBuildRuns(const QString& workflowID, const QDateTime& now);
+} // namespace MockData

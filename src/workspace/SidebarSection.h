@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 #include <optional>
@@ -19,8 +20,16 @@ enum class SidebarSection {
     Platform,
 };
 
+// The headings that gather the sections in the sidebar.
+enum class SidebarGroup { Start, StorePresence, Distribution, Business, Insights };
+
 namespace SidebarSections {
+QList<SidebarSection> all();
 QString rawValue(SidebarSection section);
 std::optional<SidebarSection> fromRaw(const QString& raw);
 QString title(SidebarSection section);
+// A symbol name in the platform's symbol vocabulary; the screens map it to an icon.
+QString symbol(SidebarSection section);
+SidebarGroup group(SidebarSection section);
+QString groupTitle(SidebarGroup group);
 } // namespace SidebarSections

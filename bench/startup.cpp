@@ -1,0 +1,154 @@
+// Start-up to the first frame with 200 cached apps and no network, against an empty Qt Quick
+// window started the same way. The program runs itself as a child in each mode, alternating, and
+// measures from the start of the child process to the child's first frame.
+#include "api/AccountStore.h"
+#include "api/DiskCache.h"
+#include "app/UiShell.h"
+#include "platform/Clock.h"
+#include "platform/QtHttpTransport.h"
+#include "support/MemorySecretStore.h"
+#include "support/TestKeys.h"
+#include "workspace/AppState.h"
+#include "workspace/AppsService.h"
+#include "workspace/WorkspaceViewModel.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString issuer = u"57246542-96fe-1a63-e053-0824d011072a"_s;
+
+Account benchAccount() {
+    Account account;
+    account.id = QUuid::fromString(u"11111111-2222-3333-4444-555555555555"_s);
+    account.name = u"Bench"_s;
+    account.issuerID = issuer;
+    account.keyID = u"ABCDE12345"_s;
+    return account;
+}
+
+Platform offlinePlatform(const QString& dataDir) {
+    Platform platform;
+    platform.clock = std::make_shared<SystemClock>();
+    platform.transport = std::make_shared<QtHttpTransport>(platform.clock);
+    platform.secrets = std::make_shared<MemorySecretStore>();
+    platform.paths = DataPaths::at(dataDir);
+    // Port 9 on the loopback: nothing listens, every request is refused at once.
+    platform.apiRoot = QUrl(u"http://127.0.0.1:9"_s);
+    return platform;
+}
+
+void prepareCache(const QString& dataDir) {
+    QList<ManagedApp> apps;
+    for (int i = 0; i < 200; ++i) {
+        ManagedApp app;
+        app.id = QString::number(5000 + i);
+        app.name = u"App %1"_s.arg(i, 3, 10, QChar(u'0'));
+        app.bundleID = u"com.example.app%1"_s.arg(i);
+        apps.append(app);
+    }
+    DiskCache cache(DataPaths::at(dataDir).cacheDirectory(), std::make_shared<SystemClock>());
+    cache.storeList(AppsService::diskKey(benchAccount().id), apps);
+}
+
+int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
+    QGuiApplication app(argc, argv);
+    QQuickStyle::setStyle(u"Fusion"_s);
+    QQmlApplicationEngine engine;
+    std::unique_ptr<AppState> state;
+    std::unique_ptr<UiShell> shell;
+    QQuickWindow* window = nullptr;
+    if (mode == u"empty"_s) {
+        engine.loadData(
+            "import QtQuick\nimport QtQuick.Controls\nApplicationWindow { width: 1180; height: 740; "
+            "visible: true }");
+        window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
+    } else {
+        state = std::make_unique<AppState>(offlinePlatform(dataDir),
+                                           AppState::Options{std::make_shared<QSettings>(
+                                               dataDir + u"/settings.ini"_s, QSettings::IniFormat)});
+        state->accountStore().useEphemeralAccount(benchAccount(), QByteArray(std::getenv("BENCH_KEY")));
+        shell = std::make_unique<UiShell>(*state, engine);
+        shell->load();
+        shell->start();
+        window = shell->mainWindow();
+    }
+    if (!window) {
+        return 2;
+    }
+    QObject::connect(window, &QQuickWindow::frameSwapped, &app, [&]() {
+        if (state && state->apps().size() != 200) {
+            return; // not the frame the user waits for yet
+        }
+        std::printf("frame\n");
+        std::fflush(stdout);
+        QTimer::singleShot(0, &app, &QCoreApplication::quit);
+    });
+    return app.exec();
+}
+
+double runOnce(const QString& mode, const QString& dataDir, const QByteArray& key) {
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(u"BENCH_KEY"_s, QString::fromLatin1(key));
+    process.setProcessEnvironment(env);
+    QElapsedTimer timer;
+    timer.start();
+    process.start(QCoreApplication::applicationFilePath(), {u"--child"_s, mode, dataDir});
+    process.waitForFinished(60000);
+    const double ms = double(timer.nsecsElapsed()) / 1e6;
+    if (!process.readAllStandardOutput().contains("frame")) {
+        std::fprintf(stderr, "%s: no frame (%s)\n", qPrintable(mode),
+                     process.readAllStandardError().constData());
+        return -1;
+    }
+    return ms;
+}
+
+double median(QList<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.isEmpty() ? 0 : values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    if (argc == 4 && QByteArray(argv[1]) == "--child") {
+        return child(argc, argv, QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    }
+    QCoreApplication app(argc, argv);
+    const int runs = argc > 1 ? QByteArray(argv[1]).toInt() : 7;
+    QTemporaryDir dir;
+    prepareCache(dir.path());
+    const QByteArray key = makeTestKey().privateKeyPEM;
+
+    QList<double> empty;
+    QList<double> full;
+    runOnce(u"empty"_s, dir.path(), key); // warm the file cache
+    for (int i = 0; i < runs; ++i) {
+        empty.append(runOnce(u"empty"_s, dir.path(), key));
+        full.append(runOnce(u"full"_s, dir.path(), key));
+    }
+    const double e = median(empty);
+    const double f = median(full);
+    std::printf("startup: median of %d runs, process start to first frame (offscreen, software)\n", runs);
+    std::printf("  empty Qt Quick window:         %7.1f ms\n", e);
+    std::printf("  Varnis, 200 cached apps:       %7.1f ms\n", f);
+    std::printf("  ratio:                         %7.2f (goal at most 1.50)\n", e > 0 ? f / e : 0.0);
+    return 0;
+}

@@ -1,0 +1,52 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import QtQuick.Window
+
+// Accounts, background watch and demo mode, in a window of fixed size.
+Window {
+    id: settings
+    objectName: "settingsWindow"
+    title: "Einstellungen"
+    width: 600
+    height: 520
+    minimumWidth: 600
+    maximumWidth: 600
+    minimumHeight: 520
+    maximumHeight: 520
+    visible: false
+    color: palette.window
+
+    function open() {
+        show()
+        raise()
+        requestActivate()
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+        TabBar {
+            id: tabs
+            objectName: "settingsTabs"
+            Layout.fillWidth: true
+            TabButton {
+                text: "Accounts"
+            }
+            TabButton {
+                text: "Hintergrund"
+            }
+            TabButton {
+                text: "Allgemein"
+            }
+        }
+        StackLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            currentIndex: tabs.currentIndex
+            AccountsPage {}
+            BackgroundPage {}
+            GeneralPage {}
+        }
+    }
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "api/KeyImportValidator.h"
+#include "platform/Platform.h"
+
+#include <QCoro/QCoroTask>
+#include <QObject>
+#include <QVariantList>
+
+class AccountStore;
+
+// The form that adds an account: four texts and a key file, checked live while the user types.
+// The private key never leaves this object except into the secret store.
+class AddAccountViewModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
+    Q_PROPERTY(QString issuerID READ issuerID WRITE setIssuerID NOTIFY issuerIDChanged)
+    Q_PROPERTY(QString keyID READ keyID WRITE setKeyID NOTIFY keyIDChanged)
+    Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
+    Q_PROPERTY(QString privateKeyFilename READ privateKeyFilename NOTIFY privateKeyChanged)
+    Q_PROPERTY(bool hasPrivateKey READ hasPrivateKey NOTIFY privateKeyChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(bool isTesting READ isTesting NOTIFY testStateChanged)
+    Q_PROPERTY(bool testSucceeded READ testSucceeded NOTIFY testStateChanged)
+    Q_PROPERTY(QString testResultText READ testResultText NOTIFY testStateChanged)
+    Q_PROPERTY(bool isSaving READ isSaving NOTIFY validationChanged)
+    Q_PROPERTY(bool isValid READ isValid NOTIFY validationChanged)
+    Q_PROPERTY(bool canSave READ canSave NOTIFY validationChanged)
+    Q_PROPERTY(QVariantList findings READ findings NOTIFY validationChanged)
+    Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY validationChanged)
+
+public:
+    AddAccountViewModel(AccountStore& store, Platform platform, QObject* parent = nullptr);
+    ~AddAccountViewModel() override;
+
+    QString name() const { return m_name; }
+    void setName(const QString& name);
+    QString issuerID() const { return m_issuerID; }
+    void setIssuerID(const QString& issuerID);
+    QString keyID() const { return m_keyID; }
+    void setKeyID(const QString& keyID);
+    QString vendorNumber() const { return m_vendorNumber; }
+    void setVendorNumber(const QString& vendorNumber);
+
+    QString privateKeyFilename() const { return m_privateKeyFilename.value_or(QString()); }
+    bool hasPrivateKey() const { return !m_privateKeyPEM.isEmpty(); }
+    QString errorMessage() const { return m_errorMessage; }
+    bool isTesting() const { return m_isTesting; }
+    bool testSucceeded() const { return m_testSucceeded; }
+    QString testResultText() const;
+    bool isSaving() const { return m_isSaving; }
+
+    // The four required texts are there and nothing blocks; a warning does not stop the user.
+    bool isValid() const;
+    // Also the vendor number, when one is typed, must be digits only.
+    bool canSave() const;
+    QVariantList findings() const;
+    QString vendorNumberMessage() const { return vendorNumberMessageFor(m_vendorNumber); }
+
+    // "Vendor-Nummern bestehen nur aus Ziffern." for a non-blank text with anything but digits.
+    static QString vendorNumberMessageFor(const QString& text);
+
+    // A local path or a file:// URL as a file dialog gives it.
+    Q_INVOKABLE void loadPrivateKey(const QString& pathOrFileUrl);
+    Q_INVOKABLE void testConnection();
+    Q_INVOKABLE void save();
+    Q_INVOKABLE void reset();
+
+    QCoro::Task<> testConnectionAsync();
+    QCoro::Task<> saveAsync();
+
+Q_SIGNALS:
+    void nameChanged();
+    void issuerIDChanged();
+    void keyIDChanged();
+    void vendorNumberChanged();
+    void privateKeyChanged();
+    void errorMessageChanged();
+    void testStateChanged();
+    void validationChanged();
+    // The account is stored and selected; the form is empty again.
+    void saved();
+
+private:
+    void revalidate();
+    // A change of what the connection test used makes an earlier result meaningless.
+    void invalidateTest();
+    void setErrorMessage(const QString& message);
+    void setTestState(bool testing, bool succeeded);
+    void setSaving(bool saving);
+
+    AccountStore& m_store;
+    Platform m_platform;
+    QString m_name;
+    QString m_issuerID;
+    QString m_keyID;
+    QString m_vendorNumber;
+    QByteArray m_privateKeyPEM;
+    std::optional<QString> m_privateKeyFilename;
+    QString m_errorMessage;
+    bool m_isTesting = false;
+    bool m_testSucceeded = false;
+    bool m_isSaving = false;
+    QList<KeyImportValidator::Finding> m_findings;
+    // Each test run and each invalidation counts up; a late answer of an older run is dropped.
+    quint64 m_testRun = 0;
+};

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "api/PendingWrite.h"
+
+#include <QCoro/QCoroTask>
+#include <QObject>
+#include <QVariantList>
+
+#include <optional>
+
+// The sheet that shows a write field by field before it happens. A writing model hands its
+// PendingWrite over with present(); the sheet's buttons call cancel() or confirm().
+class WriteConfirmationViewModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool isPresented READ isPresented NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
+    Q_PROPERTY(QString confirmLabel READ confirmLabel NOTIFY changed)
+    Q_PROPERTY(QString cancelLabel READ cancelLabel CONSTANT)
+    Q_PROPERTY(bool isDestructive READ isDestructive NOTIFY changed)
+    Q_PROPERTY(QString iconName READ iconName NOTIFY changed)
+    Q_PROPERTY(QString destructiveNotice READ destructiveNotice NOTIFY changed)
+    Q_PROPERTY(QString destructiveNoticeIconName READ destructiveNoticeIconName NOTIFY changed)
+    Q_PROPERTY(QVariantList changes READ changes NOTIFY changed)
+
+public:
+    using QObject::QObject;
+
+    void present(PendingWrite write);
+    // Drops the write without running it.
+    Q_INVOKABLE void clear();
+
+    bool isPresented() const { return m_write.has_value(); }
+    QString title() const;
+    QString explanation() const;
+    QString confirmLabel() const;
+    QString cancelLabel() const;
+    bool isDestructive() const { return m_write && m_write->isDestructive; }
+    QString iconName() const;
+    QString destructiveNotice() const;
+    QString destructiveNoticeIconName() const;
+    // {field, before, after, hasBefore, spokenLabel} per changed field.
+    QVariantList changes() const;
+
+    // Nothing has happened, and nothing will.
+    Q_INVOKABLE void cancel();
+    // Takes the write, closes the sheet and runs it. The run does not depend on this object: the
+    // write carries its own way back to the model that built it.
+    Q_INVOKABLE void confirm();
+    // The same, finishing when the write has run.
+    QCoro::Task<> confirmAsync();
+
+Q_SIGNALS:
+    void changed();
+    void cancelled();
+    void confirmed();
+
+private:
+    std::optional<PendingWrite> m_write;
+};

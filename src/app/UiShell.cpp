@@ -1,0 +1,126 @@
+#include "app/UiShell.h"
+
+#include "api/AccountSettingsViewModel.h"
+#include "api/AccountStore.h"
+#include "api/AddAccountViewModel.h"
+#include "api/ChangeLogViewModel.h"
+#include "api/RateLimitStatusViewModel.h"
+#include "api/TaskListModel.h"
+#include "api/WriteConfirmationViewModel.h"
+#include "workspace/AppPreferencesStore.h"
+#include "workspace/AppState.h"
+#include "workspace/AppWindowViewModel.h"
+#include "workspace/BackgroundSettingsViewModel.h"
+#include "workspace/WorkspaceViewModel.h"
+
+#include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQuickWindow>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent)
+    : QObject(parent), m_state(state), m_engine(engine), m_workspace(new WorkspaceViewModel(state, this)),
+      m_accountSettings(new AccountSettingsViewModel(state, this)),
+      m_addAccount(new AddAccountViewModel(state.accountStore(), state.platform(), this)),
+      m_rateLimit(new RateLimitStatusViewModel(*state.accountStore().rateLimitGovernor(),
+                                               state.platform().clock, this)),
+      m_changeLog(new ChangeLogViewModel(state.accountStore().auditLog(), this)),
+      m_taskList(new TaskListModel(state.taskCenter(), this)),
+      m_writeConfirmation(new WriteConfirmationViewModel(this)),
+      m_background(new BackgroundSettingsViewModel(state.preferences(), this)) {
+    connect(m_workspace, &WorkspaceViewModel::appWindowRequested, this, &UiShell::openAppWindow);
+    // A new account shows its apps at once.
+    connect(m_addAccount, &AddAccountViewModel::saved, m_workspace, &WorkspaceViewModel::refreshApps);
+}
+
+UiShell::~UiShell() {
+    // The windows go before the models they bind to, so that no binding reads a model that is
+    // already gone.
+    for (const auto& window : std::as_const(m_appWindows)) {
+        delete window.data();
+    }
+    const auto roots = m_engine.rootObjects();
+    qDeleteAll(roots);
+}
+
+bool UiShell::load() {
+    QQmlContext* context = m_engine.rootContext();
+    context->setContextProperty(u"workspace"_s, m_workspace);
+    context->setContextProperty(u"accountSettings"_s, m_accountSettings);
+    context->setContextProperty(u"addAccount"_s, m_addAccount);
+    context->setContextProperty(u"rateLimit"_s, m_rateLimit);
+    context->setContextProperty(u"changeLog"_s, m_changeLog);
+    context->setContextProperty(u"taskList"_s, m_taskList);
+    context->setContextProperty(u"writeConfirmation"_s, m_writeConfirmation);
+    context->setContextProperty(u"backgroundSettings"_s, m_background);
+    context->setContextProperty(u"shell"_s, this);
+    m_engine.load(QUrl(u"qrc:/qml/Main.qml"_s));
+    return mainWindow() != nullptr;
+}
+
+void UiShell::start() {
+    const QString appID = m_state.preferences().sceneText(u"velmora.main.appID"_s, QString());
+    const QString section = m_state.preferences().sceneText(u"velmora.main.section"_s, u"overview"_s);
+    // Restoring loads the list itself when it has an app to look for.
+    if (appID.isEmpty()) {
+        QCoro::connect(m_state.loadApps(false), this, [] {});
+    } else {
+        QCoro::connect(m_state.restoreLastState(appID, section), this, [] {});
+    }
+}
+
+QQuickWindow* UiShell::mainWindow() const {
+    const auto roots = m_engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+}
+
+QQuickWindow* UiShell::window(const QString& objectName) const {
+    QQuickWindow* main = mainWindow();
+    if (!main) {
+        return nullptr;
+    }
+    if (main->objectName() == objectName) {
+        return main;
+    }
+    return main->findChild<QQuickWindow*>(objectName);
+}
+
+void UiShell::openAppWindow(const QString& appID) {
+    const auto section =
+        SidebarSections::fromRaw(m_state.preferences().sceneText(u"velmora.window.section"_s, u"overview"_s));
+    auto* model = new AppWindowViewModel(m_state, appID, section.value_or(SidebarSection::Overview));
+    QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/workspace/AppWindow.qml"_s));
+    QObject* window = component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(model)}});
+    if (!window) {
+        qWarning("%s", qPrintable(component.errorString()));
+        delete model;
+        return;
+    }
+    model->setParent(window);
+    // The window goes when it is closed, and its model with it.
+    if (auto* quickWindow = qobject_cast<QQuickWindow*>(window)) {
+        connect(quickWindow, &QWindow::visibleChanged, window, [window](bool visible) {
+            if (!visible) {
+                window->deleteLater();
+            }
+        });
+    }
+    m_appWindows.append(window);
+}
+
+void UiShell::handleMessages(const QStringList& messages) {
+    for (const QString& message : messages) {
+        const QUrl url(message);
+        if (url.scheme().compare(u"velmora"_s, Qt::CaseInsensitive) == 0) {
+            m_state.open(url);
+        }
+    }
+    if (QQuickWindow* main = mainWindow()) {
+        main->show();
+        main->raise();
+        main->requestActivate();
+    }
+}

@@ -1,0 +1,7 @@
+#include "reports/ManagedAnalyticsReportRequest.h"
+
+using namespace Qt::StringLiterals;
+
+QString ManagedAnalyticsReportRequest::accessTypeLabel(const QString& raw) {
+    return raw == u"ONGOING"_s ? u"Laufend"_s : u"Einmalige Momentaufnahme"_s;
+}

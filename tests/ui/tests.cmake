@@ -1,0 +1,3 @@
+varnis_add_test(NAME tst_ui LABEL ui SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_ui.cpp)
+target_link_libraries(tst_ui PRIVATE varnis_ui)
+target_compile_definitions(tst_ui PRIVATE VARNIS_SCREENSHOT_DIR="${CMAKE_BINARY_DIR}/screenshots")
