@@ -64,8 +64,18 @@ void prepareCache(const QString& dataDir) {
     cache.storeList(AppsService::diskKey(benchAccount().id), apps);
 }
 
+QElapsedTimer sinceMain;
+
+void trace(const char* what) {
+    if (qEnvironmentVariableIsSet("BENCH_TRACE")) {
+        std::fprintf(stderr, "%7.1f ms  %s\n", double(sinceMain.nsecsElapsed()) / 1e6, what);
+    }
+}
+
 int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
+    sinceMain.start();
     QGuiApplication app(argc, argv);
+    trace("application");
     QQuickStyle::setStyle(u"Fusion"_s);
     QQmlApplicationEngine engine;
     std::unique_ptr<AppState> state;
@@ -81,15 +91,19 @@ int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
                                            AppState::Options{std::make_shared<QSettings>(
                                                dataDir + u"/settings.ini"_s, QSettings::IniFormat)});
         state->accountStore().useEphemeralAccount(benchAccount(), QByteArray(std::getenv("BENCH_KEY")));
+        trace("state");
         shell = std::make_unique<UiShell>(*state, engine);
         shell->load();
+        trace("loaded");
         shell->start();
+        trace("started");
         window = shell->mainWindow();
     }
     if (!window) {
         return 2;
     }
     QObject::connect(window, &QQuickWindow::frameSwapped, &app, [&]() {
+        trace("frame");
         if (state && state->apps().size() != 200) {
             return; // not the frame the user waits for yet
         }

@@ -14,85 +14,35 @@ ApplicationWindow {
     visible: true
     title: workspace.windowTitle
 
-    menuBar: MenuBar {
-        Menu {
-            title: "Varnis"
-            Action {
-                text: "Einstellungen …"
-                shortcut: StandardKey.Preferences
-                onTriggered: settingsWindow.open()
-            }
-            Action {
-                text: "Änderungsprotokoll"
-                onTriggered: changeLogWindow.open()
-            }
-            MenuSeparator {}
-            Action {
-                text: "Beenden"
-                shortcut: StandardKey.Quit
-                onTriggered: Qt.quit()
-            }
+    // The extra windows and sheets are made the first time they are needed, not at start-up.
+    function openSettings() {
+        settingsLoader.active = true
+        settingsLoader.item.open()
+    }
+    function openChangeLog() {
+        changeLogLoader.active = true
+        changeLogLoader.item.open()
+    }
+
+    // The menus are built right after the first frame: they are the most expensive part of the
+    // window and nobody can reach for them before it is on screen.
+    menuBar: menuLoader.item
+
+    Loader {
+        id: menuLoader
+        active: false
+        source: "workspace/MainMenuBar.qml"
+        onLoaded: {
+            item.settingsRequested.connect(root.openSettings)
+            item.changeLogRequested.connect(root.openChangeLog)
         }
-        Menu {
-            title: "Ablage"
-            Action {
-                text: "In neuem Fenster öffnen"
-                shortcut: "Ctrl+Shift+N"
-                enabled: workspace.hasSelectedApp
-                onTriggered: workspace.openInNewWindow()
-            }
-            Action {
-                text: "Apps neu laden"
-                enabled: !workspace.isLoadingApps
-                onTriggered: workspace.refreshApps()
-            }
-        }
-        Menu {
-            title: "Suchen"
-            Action {
-                text: "Befehlspalette"
-                shortcut: "Ctrl+K"
-                enabled: workspace.isCommandPaletteAvailable
-            }
-            Action {
-                text: "In dieser App suchen"
-                shortcut: "Ctrl+F"
-                enabled: workspace.isSearchAvailable && workspace.hasSelectedApp
-            }
-            Action {
-                text: "Jetzt auf Änderungen prüfen"
-                shortcut: "Ctrl+Shift+R"
-                enabled: workspace.isCheckChangesAvailable
-            }
-        }
-        Menu {
-            id: goToMenu
-            title: "Gehe zu"
-            Action {
-                text: "Alle Apps"
-                shortcut: "Ctrl+["
-                onTriggered: workspace.showAllApps()
-            }
-            MenuSeparator {}
-            Instantiator {
-                model: workspace.sections
-                delegate: Action {
-                    required property var modelData
-                    text: modelData.controlTitle
-                    shortcut: modelData.shortcut
-                    enabled: workspace.hasSelectedApp
-                    onTriggered: workspace.goToSection(modelData.position)
-                }
-                onObjectAdded: (index, object) => goToMenu.insertAction(index + 2, object)
-                onObjectRemoved: (index, object) => goToMenu.removeAction(object)
-            }
-        }
-        Menu {
-            title: "Hilfe"
-            Action {
-                text: "Erste Schritte …"
-                onTriggered: workspace.isOnboardingPresented = true
-            }
+    }
+
+    Connections {
+        target: root
+        enabled: !menuLoader.active
+        function onFrameSwapped() {
+            menuLoader.active = true
         }
     }
 
@@ -155,24 +105,33 @@ ApplicationWindow {
     EmptyStatePage {
         anchors.fill: parent
         visible: workspace.showsEmptyState
-        onOpenSettings: settingsWindow.open()
+        onOpenSettings: root.openSettings()
         onStartDemo: workspace.isDemoModeEnabled = true
         onShowOnboarding: workspace.isOnboardingPresented = true
     }
 
     footer: TaskCenterBar {}
 
-    SettingsWindow {
-        id: settingsWindow
+    // By address rather than by type, so that not even their files are read before they are needed.
+    Loader {
+        id: settingsLoader
+        active: false
+        source: "api/SettingsWindow.qml"
     }
 
-    ChangeLogWindow {
-        id: changeLogWindow
+    Loader {
+        id: changeLogLoader
+        active: false
+        source: "api/ChangeLogWindow.qml"
     }
 
-    WriteConfirmationSheet {
-        model: writeConfirmation
+    Loader {
+        active: writeConfirmation.isPresented
+        source: "api/WriteConfirmationSheet.qml"
     }
 
-    OnboardingSheet {}
+    Loader {
+        active: workspace.isOnboardingPresented
+        source: "workspace/OnboardingSheet.qml"
+    }
 }

@@ -6,10 +6,11 @@ import QtQuick.Layouts
 Dialog {
     id: sheet
     objectName: "writeConfirmationSheet"
-    property var model
+    property var model: writeConfirmation
     modal: true
-    anchors.centerIn: parent
-    width: Math.min(parent ? parent.width - 80 : 560, 560)
+    parent: Overlay.overlay
+    anchors.centerIn: Overlay.overlay
+    width: Math.min(Overlay.overlay ? Overlay.overlay.width - 80 : 560, 560)
     visible: model.isPresented
     closePolicy: Popup.CloseOnEscape
     onRejected: model.cancel()

@@ -7,10 +7,16 @@ Dialog {
     objectName: "onboardingSheet"
     title: workspace.onboardingTitle
     modal: true
-    anchors.centerIn: parent
-    width: Math.min(parent ? parent.width - 80 : 560, 560)
+    parent: Overlay.overlay
+    anchors.centerIn: Overlay.overlay
+    width: Math.min(Overlay.overlay ? Overlay.overlay.width - 80 : 560, 560)
     visible: workspace.isOnboardingPresented
-    standardButtons: Dialog.Close
+    footer: DialogButtonBox {
+        Button {
+            text: "Schließen"
+            DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+        }
+    }
     onClosed: workspace.isOnboardingPresented = false
 
     ColumnLayout {

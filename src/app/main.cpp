@@ -8,10 +8,13 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QTextStream>
 #include <QTimer>
+#include <QTranslator>
 
 using namespace Qt::StringLiterals;
 
@@ -68,6 +71,12 @@ int runWindow(int argc, char** argv, QStringList links) {
     QGuiApplication::setApplicationDisplayName(u"Varnis"_s);
     QGuiApplication::setDesktopFileName(u"velmora"_s);
     QQuickStyle::setStyle(u"Fusion"_s);
+    // Qt's own texts (file chooser, standard buttons) in German, like everything else.
+    QTranslator qtTexts;
+    if (qtTexts.load(QLocale(QLocale::German, QLocale::Germany), u"qt"_s, u"_"_s,
+                     QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&qtTexts);
+    }
     QTextStream err(stderr);
 
     // A second start hands its links to the running window and ends.

@@ -12,13 +12,33 @@
 #include "workspace/VelmoraURL.h"
 
 #include <QCollator>
+#include <QCoreApplication>
+#include <QTimer>
+
 #include <QPointer>
 #include <QSettings>
+#include <coroutine>
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+struct NextTurn {
+    bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<> handle) {
+        QTimer::singleShot(0, QCoreApplication::instance(), [handle] { handle.resume(); });
+    }
+    void await_resume() const noexcept {}
+};
+
+NextTurn nextEventLoopTurn() {
+    return {};
+}
+
+} // namespace
 
 AppState::AppState(Platform platform, Options options, QObject* parent)
     : QObject(parent), m_platform(std::move(platform)) {
@@ -29,6 +49,16 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, [this] {
         dropSamplesUnlessDemo();
+        if (!hasAccount() && !m_appsAreSamples) {
+            // The last account went: none of its apps may stay on screen.
+            clearSelectedApp();
+            if (isDemoActive()) {
+                setApps(MockData::apps());
+                m_appsAreSamples = true;
+            } else {
+                setApps({});
+            }
+        }
         Q_EMIT demoModeChanged();
     });
 }
@@ -108,6 +138,11 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
         if (auto cached = m_appsService->disk().loadList<ManagedApp>(AppsService::diskKey(selected->id))) {
             m_appsFromCacheAge = m_appsService->disk().ageDescription(cached->storedAt);
             setApps(std::move(cached->value));
+            // Let the stored list reach the screen before the network is asked.
+            co_await nextEventLoopTurn();
+            if (!self) {
+                co_return;
+            }
         }
     }
     setLoading(true);

@@ -139,9 +139,9 @@ private Q_SLOTS:
         QTRY_COMPARE(workspace->favoriteApps()->count(), 1);
         shoot(main, u"favourites-and-recent"_s);
 
+        QMetaObject::invokeMethod(main, "openSettings");
         QQuickWindow* settings = m_shell->window(u"settingsWindow"_s);
         QVERIFY(settings);
-        settings->show();
         QVERIFY(QTest::qWaitForWindowExposed(settings));
         auto* tabs = settings->findChild<QObject*>(u"settingsTabs"_s);
         QVERIFY(tabs);
@@ -151,9 +151,9 @@ private Q_SLOTS:
         }
         settings->hide();
 
+        QMetaObject::invokeMethod(main, "openChangeLog");
         QQuickWindow* changeLog = m_shell->window(u"changeLogWindow"_s);
         QVERIFY(changeLog);
-        QMetaObject::invokeMethod(changeLog, "open");
         QVERIFY(QTest::qWaitForWindowExposed(changeLog));
         shoot(changeLog, u"change-log"_s);
         changeLog->hide();
