@@ -8,14 +8,15 @@ MenuBar {
     signal changeLogRequested
 
     Menu {
-        title: "Varnis"
+        title: "&Varnis"
         Action {
             text: "Einstellungen …"
-            shortcut: StandardKey.Preferences
+            shortcut: "Ctrl+,"
             onTriggered: bar.settingsRequested()
         }
         Action {
             text: "Änderungsprotokoll"
+            shortcut: "Ctrl+Shift+L"
             onTriggered: bar.changeLogRequested()
         }
         MenuSeparator {}
@@ -26,7 +27,7 @@ MenuBar {
         }
     }
     Menu {
-        title: "Ablage"
+        title: "&Ablage"
         Action {
             text: "In neuem Fenster öffnen"
             shortcut: "Ctrl+Shift+N"
@@ -40,7 +41,7 @@ MenuBar {
         }
     }
     Menu {
-        title: "Suchen"
+        title: "&Suchen"
         Action {
             text: "Befehlspalette"
             shortcut: "Ctrl+K"
@@ -59,7 +60,7 @@ MenuBar {
     }
     Menu {
         id: goToMenu
-        title: "Gehe zu"
+        title: "&Gehe zu"
         Action {
             text: "Alle Apps"
             shortcut: "Ctrl+["
@@ -80,7 +81,7 @@ MenuBar {
         }
     }
     Menu {
-        title: "Hilfe"
+        title: "&Hilfe"
         Action {
             text: "Erste Schritte …"
             onTriggered: workspace.isOnboardingPresented = true

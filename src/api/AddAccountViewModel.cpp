@@ -3,6 +3,7 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/JWTService.h"
+#include "platform/LocalPath.h"
 #include "platform/VarnisError.h"
 
 #include <QFile>
@@ -22,25 +23,6 @@ constexpr qint64 maxKeyFileSize = 64 * 1024;
 QString unusableKeyMessage() {
     return u"Die Datei enthält keinen nutzbaren P-256-Schlüssel. Apple gibt ihn als .p8 mit „BEGIN PRIVATE "
            u"KEY“ aus."_s;
-}
-
-// The local path behind what a file dialog or a caller hands over; none for anything that is
-// not a local file (another scheme, an empty text).
-std::optional<QString> localPath(const QString& pathOrFileUrl) {
-    if (pathOrFileUrl.trimmed().isEmpty()) {
-        return std::nullopt;
-    }
-    if (!pathOrFileUrl.startsWith(u"file:"_s, Qt::CaseInsensitive)) {
-        if (pathOrFileUrl.contains(u"://"_s)) {
-            return std::nullopt;
-        }
-        return pathOrFileUrl;
-    }
-    const QUrl url(pathOrFileUrl);
-    if (!url.isLocalFile() || url.toLocalFile().isEmpty()) {
-        return std::nullopt;
-    }
-    return url.toLocalFile();
 }
 
 struct KeyFile {
@@ -202,7 +184,7 @@ void AddAccountViewModel::loadPrivateKey(const QString& pathOrFileUrl) {
     if (m_testSucceeded) {
         setTestState(m_isTesting, false);
     }
-    const auto path = localPath(pathOrFileUrl);
+    const auto path = localPathFrom(pathOrFileUrl);
     if (!path) {
         setErrorMessage(u"Auf die Datei konnte nicht zugegriffen werden."_s);
         return;

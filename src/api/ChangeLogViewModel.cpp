@@ -1,33 +1,12 @@
 #include "api/ChangeLogViewModel.h"
 
 #include "platform/AtomicFile.h"
+#include "platform/LocalPath.h"
 
 #include <QFileInfo>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// The local path behind a file dialog's answer; none for anything that is not a local file.
-std::optional<QString> localPath(const QString& pathOrFileUrl) {
-    if (pathOrFileUrl.trimmed().isEmpty()) {
-        return std::nullopt;
-    }
-    if (!pathOrFileUrl.startsWith(u"file:"_s, Qt::CaseInsensitive)) {
-        if (pathOrFileUrl.contains(u"://"_s)) {
-            return std::nullopt;
-        }
-        return pathOrFileUrl;
-    }
-    const QUrl url(pathOrFileUrl);
-    if (!url.isLocalFile() || url.toLocalFile().isEmpty()) {
-        return std::nullopt;
-    }
-    return url.toLocalFile();
-}
-
-} // namespace
 
 // MARK: ChangeLogListModel
 
@@ -115,7 +94,7 @@ void ChangeLogViewModel::refresh() {
 
 bool ChangeLogViewModel::exportTo(const QString& pathOrFileUrl) {
     const QString failed = u"Das Protokoll konnte nicht gesichert werden."_s;
-    const auto path = localPath(pathOrFileUrl);
+    const auto path = localPathFrom(pathOrFileUrl);
     if (!path) {
         setMessage(failed + u" Auf den gewählten Ort kann nicht zugegriffen werden."_s);
         return false;

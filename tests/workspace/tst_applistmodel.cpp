@@ -1,0 +1,126 @@
+#include "api/AccountStore.h"
+#include "api/DiskCache.h"
+#include "platform/Clock.h"
+#include "support/AwaitTask.h"
+#include "support/FakeTransport.h"
+#include "support/MemorySecretStore.h"
+#include "support/TestKeys.h"
+#include "workspace/AppListModel.h"
+#include "workspace/AppPreferencesStore.h"
+#include "workspace/AppState.h"
+#include "workspace/AppsService.h"
+#include "workspace/WorkspaceViewModel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+// The sidebar's lists over a large account: a thousand apps from the stored list while the
+// network is away.
+class AppListModelTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<AppState> m_state;
+
+private Q_SLOTS:
+    void init() {
+        Platform platform;
+        platform.clock = std::make_shared<ManualClock>();
+        auto transport = std::make_shared<FakeTransport>();
+        transport->failWith("GET", u"/v1/apps"_s, u"Keine Netzwerkverbindung."_s);
+        platform.transport = transport;
+        platform.secrets = std::make_shared<MemorySecretStore>();
+        platform.paths = DataPaths::at(m_dir.filePath(u"data"_s));
+        platform.apiRoot = QUrl(u"https://api.example.test"_s);
+
+        Account account;
+        account.id = QUuid::createUuid();
+        account.name = u"Studio"_s;
+        account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
+        account.keyID = u"ABCDE12345"_s;
+        QList<ManagedApp> apps;
+        for (int i = 0; i < 1000; ++i) {
+            apps.append(ManagedApp{QString::number(i),
+                                   u"App %1"_s.arg(i, 4, 10, QChar(u'0')),
+                                   u"com.x%1"_s.arg(i),
+                                   {},
+                                   {},
+                                   {},
+                                   {}});
+        }
+        DiskCache(platform.paths.cacheDirectory(), platform.clock)
+            .storeList(AppsService::diskKey(account.id), apps);
+
+        m_state = std::make_unique<AppState>(
+            platform,
+            AppState::Options{std::make_shared<QSettings>(m_dir.filePath(u"s.ini"_s), QSettings::IniFormat)});
+        m_state->accountStore().useEphemeralAccount(account, makeTestKey().privateKeyPEM);
+    }
+
+    void listsStayConsistentAndCheap() {
+        AppListModel all(*m_state, AppListModel::Kind::All);
+        AppListModel favorites(*m_state, AppListModel::Kind::Favorites);
+        AppListModel recent(*m_state, AppListModel::Kind::Recent);
+        QAbstractItemModelTester allTester(&all, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester favTester(&favorites,
+                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester recentTester(&recent,
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+
+        VarnisTest::awaitTask(m_state->loadApps(false));
+        QCOMPARE(all.rowCount(), 1000);
+        QVERIFY(m_state->appsError().has_value());
+
+        // Marking a favourite touches one row of the full list, never the whole list.
+        QSignalSpy resets(&all, &QAbstractItemModel::modelReset);
+        QSignalSpy changes(&all, &QAbstractItemModel::dataChanged);
+        m_state->preferences().toggleFavorite(u"500"_s);
+        QCOMPARE(resets.count(), 0);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(changes.first().at(0).toModelIndex().row(), 500);
+        QCOMPARE(all.index(500).data(AppListModel::IsFavoriteRole).toBool(), true);
+        QCOMPARE(favorites.rowCount(), 1);
+
+        // Recently used: newest first; selecting marks exactly the selected row.
+        for (const auto& id : {u"7"_s, u"3"_s, u"7"_s}) {
+            for (const auto& app : m_state->apps()) {
+                if (app.id == id) {
+                    m_state->selectApp(app);
+                }
+            }
+        }
+        QCOMPARE(recent.rowCount(), 2);
+        QCOMPARE(recent.index(0).data(AppListModel::AppIdRole).toString(), u"7"_s);
+        QCOMPARE(all.index(7).data(AppListModel::IsSelectedRole).toBool(), true);
+        QCOMPARE(all.index(3).data(AppListModel::IsSelectedRole).toBool(), false);
+    }
+
+    void sectionsKeepTheirNumbersInTheSidebar() {
+        const QVariantList fixed = WorkspaceViewModel::sectionList(false);
+        const QVariantList grouped = WorkspaceViewModel::sectionList(true);
+        QCOMPARE(fixed.size(), 11);
+        QCOMPARE(grouped.size(), 11);
+        QCOMPARE(fixed[1].toMap().value(u"shortcut"_s).toString(), u"Ctrl+2"_s);
+        QCOMPARE(fixed[10].toMap().value(u"shortcut"_s).toString(), QString());
+        // Whatever the grouping, a section keeps the number of its place in the fixed order, and
+        // every heading appears once.
+        QSet<QString> headings;
+        for (const QVariant& entry : grouped) {
+            const QVariantMap map = entry.toMap();
+            QCOMPARE(fixed[map.value(u"position"_s).toInt()].toMap().value(u"raw"_s), map.value(u"raw"_s));
+            if (map.value(u"startsGroup"_s).toBool()) {
+                QVERIFY(!headings.contains(map.value(u"groupTitle"_s).toString()));
+                headings.insert(map.value(u"groupTitle"_s).toString());
+            }
+        }
+        QCOMPARE(fixed[4].toMap().value(u"controlTitle"_s).toString(), u"Versionen && Builds"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(AppListModelTest)
+#include "tst_applistmodel.moc"
