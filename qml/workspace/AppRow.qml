@@ -1,8 +1,8 @@
 import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
 
-ItemDelegate {
+// One app in the lists. Plain items rather than controls: there can be a thousand of these,
+// and every row costs start-up time.
+Rectangle {
     id: row
     required property string appId
     required property string name
@@ -10,32 +10,52 @@ ItemDelegate {
     required property bool isFavorite
     required property bool isSelected
 
-    highlighted: isSelected
+    implicitHeight: 40
+    color: isSelected ? palette.highlight : (hover.hovered ? palette.alternateBase : "transparent")
+    Accessible.role: Accessible.ListItem
     Accessible.name: name + ", " + subtitle
-    onClicked: workspace.selectApp(appId)
+    Accessible.selected: isSelected
 
-    contentItem: RowLayout {
-        spacing: 6
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: 0
-            Label {
-                Layout.fillWidth: true
-                text: row.name
-                elide: Text.ElideRight
-            }
-            Label {
-                Layout.fillWidth: true
-                text: row.subtitle
-                elide: Text.ElideRight
-                font.pixelSize: 11
-                color: palette.placeholderText
-            }
+    HoverHandler {
+        id: hover
+    }
+    TapHandler {
+        onTapped: workspace.selectApp(row.appId)
+    }
+
+    Column {
+        anchors.left: parent.left
+        anchors.right: star.left
+        anchors.leftMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        Text {
+            width: parent.width
+            text: row.name
+            color: row.isSelected ? palette.highlightedText : palette.text
+            elide: Text.ElideRight
+            font.pixelSize: 13
         }
-        ToolButton {
-            text: row.isFavorite ? "★" : "☆"
-            Accessible.name: row.isFavorite ? "Aus Favoriten entfernen" : "Zu Favoriten hinzufügen"
-            onClicked: workspace.toggleFavorite(row.appId)
+        Text {
+            width: parent.width
+            text: row.subtitle
+            color: row.isSelected ? palette.highlightedText : palette.placeholderText
+            elide: Text.ElideRight
+            font.pixelSize: 11
+        }
+    }
+
+    Text {
+        id: star
+        anchors.right: parent.right
+        anchors.rightMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.isFavorite ? "★" : "☆"
+        color: row.isSelected ? palette.highlightedText : palette.text
+        font.pixelSize: 15
+        Accessible.role: Accessible.Button
+        Accessible.name: row.isFavorite ? "Aus Favoriten entfernen" : "Zu Favoriten hinzufügen"
+        TapHandler {
+            onTapped: workspace.toggleFavorite(row.appId)
         }
     }
 }
