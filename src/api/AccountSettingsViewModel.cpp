@@ -11,7 +11,6 @@
 
 using namespace Qt::StringLiterals;
 
-// MARK: AccountListModel
 
 AccountListModel::AccountListModel(AccountStore& store, QObject* parent)
     : QAbstractListModel(parent), m_store(store), m_accounts(store.accounts()),
@@ -93,7 +92,6 @@ void AccountListModel::sync() {
     }
 }
 
-// MARK: AccountSettingsViewModel
 
 AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* parent)
     : QObject(parent), m_state(state), m_store(state.accountStore()),

@@ -8,7 +8,6 @@
 
 using namespace Qt::StringLiterals;
 
-// MARK: ChangeLogListModel
 
 int ChangeLogListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(m_entries.size());
@@ -64,7 +63,6 @@ void ChangeLogListModel::setEntries(QList<AuditLog::Entry> entries) {
     endResetModel();
 }
 
-// MARK: ChangeLogViewModel
 
 ChangeLogViewModel::ChangeLogViewModel(std::shared_ptr<AuditLog> log, QObject* parent)
     : QObject(parent), m_log(std::move(log)), m_list(new ChangeLogListModel(this)) {}
