@@ -99,6 +99,9 @@ ApplicationWindow {
             isBuilt: workspace.isSectionBuilt
             emptyText: workspace.emptySectionText
             overviewRows: workspace.overviewRows
+            section: workspace.selectedSection
+            metadata: workspace.metadata
+            versionsList: workspace.versionsList
         }
     }
 

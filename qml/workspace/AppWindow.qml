@@ -35,6 +35,9 @@ ApplicationWindow {
             isBuilt: window.model.isSectionBuilt
             emptyText: window.model.emptySectionText
             overviewRows: window.model.overviewRows
+            section: window.model.selectedSection
+            metadata: window.model.metadata
+            versionsList: window.model.versionsList
         }
     }
 }

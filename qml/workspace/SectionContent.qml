@@ -1,6 +1,8 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import "../metadata"
+import "../release"
 
 // The screen of the selected section, or a calm placeholder.
 Pane {
@@ -10,6 +12,9 @@ Pane {
     property bool isBuilt: false
     property string emptyText
     property var overviewRows: []
+    property string section
+    property var metadata: null
+    property var versionsList: null
 
     ColumnLayout {
         anchors.fill: parent
@@ -32,11 +37,16 @@ Pane {
             font.bold: true
             Accessible.role: Accessible.Heading
         }
-        OverviewPage {
+        Loader {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: content.isBuilt
-            rows: content.overviewRows
+            // The page takes the space it is given; its own wish must not feed back into the layout.
+            Layout.preferredWidth: 0
+            Layout.preferredHeight: 0
+            active: content.isBuilt
+            sourceComponent: content.section === "appStoreOptimization" && content.metadata ? metadataPage
+                           : content.section === "releases" && content.versionsList ? versionsPage
+                           : overviewPage
         }
         Label {
             Layout.fillWidth: true
@@ -46,6 +56,25 @@ Pane {
             wrapMode: Text.Wrap
             verticalAlignment: Text.AlignTop
             color: palette.placeholderText
+        }
+    }
+
+    Component {
+        id: overviewPage
+        OverviewPage {
+            rows: content.overviewRows
+        }
+    }
+    Component {
+        id: metadataPage
+        MetadataPage {
+            model: content.metadata
+        }
+    }
+    Component {
+        id: versionsPage
+        VersionsPage {
+            model: content.versionsList
         }
     }
 }

@@ -7,6 +7,7 @@
 #include "api/RateLimitStatusViewModel.h"
 #include "api/TaskListModel.h"
 #include "api/WriteConfirmationViewModel.h"
+#include "metadata/MetadataViewModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppWindowViewModel.h"
@@ -32,6 +33,23 @@ UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent
       m_writeConfirmation(new WriteConfirmationViewModel(this)),
       m_background(new BackgroundSettingsViewModel(state.preferences(), this)) {
     connect(m_workspace, &WorkspaceViewModel::appWindowRequested, this, &UiShell::openAppWindow);
+    // A write that a section's model wants confirmed goes to the one sheet of the window; whatever
+    // the sheet decides, the model's own request is done with.
+    connect(m_workspace, &WorkspaceViewModel::sectionModelsChanged, this, [this] {
+        MetadataViewModel* metadata = m_workspace->metadataModel();
+        if (!metadata) {
+            return;
+        }
+        connect(metadata, &MetadataViewModel::pendingWriteChanged, this, [this, metadata] {
+            if (metadata->pendingWrite()) {
+                m_writeConfirmation->present(*metadata->pendingWrite());
+            }
+        });
+        connect(m_writeConfirmation, &WriteConfirmationViewModel::cancelled, metadata,
+                &MetadataViewModel::cancelPendingWrite);
+        connect(m_writeConfirmation, &WriteConfirmationViewModel::confirmed, metadata,
+                &MetadataViewModel::cancelPendingWrite);
+    });
     // A new account shows its apps at once.
     connect(m_addAccount, &AddAccountViewModel::saved, m_workspace, &WorkspaceViewModel::refreshApps);
 }

@@ -5,7 +5,10 @@
 #include "api/DiskCache.h"
 #include "api/PendingWrite.h"
 #include "api/TaskCenter.h"
+#include "metadata/LocalizationsService.h"
+#include "metadata/MetadataDraftStore.h"
 #include "platform/Clock.h"
+#include "release/VersionsService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
 #include "workspace/MockData.h"
@@ -46,6 +49,10 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_appsService = std::make_unique<AppsService>(
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
     m_taskCenter = std::make_unique<TaskCenter>();
+    m_versionsService = std::make_unique<VersionsService>(
+        std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
+    m_localizationsService = std::make_unique<LocalizationsService>(m_platform.clock);
+    m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, [this] {
         dropSamplesUnlessDemo();

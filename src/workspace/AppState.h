@@ -16,6 +16,9 @@ class AppPreferencesStore;
 class AppsService;
 class QSettings;
 class TaskCenter;
+class VersionsService;
+class LocalizationsService;
+class MetadataDraftStore;
 struct Account;
 
 // The one object that holds the running application together: it owns the stores and
@@ -36,6 +39,9 @@ public:
     AppPreferencesStore& preferences() const { return *m_preferences; }
     AppsService& appsService() const { return *m_appsService; }
     TaskCenter& taskCenter() const { return *m_taskCenter; }
+    VersionsService& versionsService() const { return *m_versionsService; }
+    LocalizationsService& localizationsService() const { return *m_localizationsService; }
+    MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
@@ -102,6 +108,9 @@ private:
     std::unique_ptr<AppPreferencesStore> m_preferences;
     std::unique_ptr<AppsService> m_appsService;
     std::unique_ptr<TaskCenter> m_taskCenter;
+    std::unique_ptr<VersionsService> m_versionsService;
+    std::unique_ptr<LocalizationsService> m_localizationsService;
+    std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;

@@ -1,5 +1,7 @@
 #include "workspace/AppWindowViewModel.h"
 
+#include "metadata/MetadataViewModel.h"
+#include "release/VersionsListViewModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/WorkspaceViewModel.h"
@@ -23,6 +25,30 @@ AppWindowViewModel::AppWindowViewModel(AppState& state, QString appID, SidebarSe
     connect(&state, &AppState::appsChanged, this, &AppWindowViewModel::changed);
     state.preferences().setSceneText(u"velmora.window.appID"_s, m_appID);
     state.preferences().setSceneText(u"velmora.window.section"_s, SidebarSections::rawValue(m_section));
+    if (const auto* app = findApp(state, m_appID)) {
+        m_metadata = new MetadataViewModel(state, *app, this);
+        m_versions = new VersionsListViewModel(state, *app, this);
+    }
+    loadOpenSection();
+}
+
+QObject* AppWindowViewModel::metadata() const {
+    return m_metadata;
+}
+
+QObject* AppWindowViewModel::versionsList() const {
+    return m_versions;
+}
+
+void AppWindowViewModel::loadOpenSection() {
+    if (m_section == SidebarSection::AppStoreOptimization && m_metadata && !m_metadataLoaded) {
+        m_metadataLoaded = true;
+        m_metadata->startLoad(false);
+    }
+    if (m_section == SidebarSection::Releases && m_versions && !m_versionsLoaded) {
+        m_versionsLoaded = true;
+        m_versions->startLoad(false);
+    }
 }
 
 bool AppWindowViewModel::hasApp() const {
@@ -54,6 +80,7 @@ void AppWindowViewModel::selectSection(const QString& raw) {
     }
     m_section = *section;
     m_state.preferences().setSceneText(u"velmora.window.section"_s, raw);
+    loadOpenSection();
     Q_EMIT changed();
 }
 

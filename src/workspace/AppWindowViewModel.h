@@ -6,6 +6,8 @@
 #include <QVariantList>
 
 class AppState;
+class MetadataViewModel;
+class VersionsListViewModel;
 
 // A window that shows one app with a section of its own, independent of the main window.
 class AppWindowViewModel : public QObject {
@@ -20,6 +22,8 @@ class AppWindowViewModel : public QObject {
     Q_PROPERTY(QString selectedSectionTitle READ selectedSectionTitle NOTIFY changed)
     Q_PROPERTY(bool isSectionBuilt READ isSectionBuilt NOTIFY changed)
     Q_PROPERTY(QString emptySectionText READ emptySectionText NOTIFY changed)
+    Q_PROPERTY(QObject* metadata READ metadata CONSTANT)
+    Q_PROPERTY(QObject* versionsList READ versionsList CONSTANT)
 public:
     AppWindowViewModel(AppState& state, QString appID, SidebarSection section, QObject* parent = nullptr);
 
@@ -34,6 +38,8 @@ public:
     QString selectedSectionTitle() const { return SidebarSections::title(m_section); }
     bool isSectionBuilt() const;
     QString emptySectionText() const;
+    QObject* metadata() const;
+    QObject* versionsList() const;
 
 Q_SIGNALS:
     void changed();
@@ -42,4 +48,10 @@ private:
     AppState& m_state;
     QString m_appID;
     SidebarSection m_section;
+    MetadataViewModel* m_metadata = nullptr;
+    VersionsListViewModel* m_versions = nullptr;
+    bool m_metadataLoaded = false;
+    bool m_versionsLoaded = false;
+
+    void loadOpenSection();
 };

@@ -1,6 +1,8 @@
 #include "workspace/WorkspaceViewModel.h"
 
 #include "api/AccountStore.h"
+#include "metadata/MetadataViewModel.h"
+#include "release/VersionsListViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
@@ -20,6 +22,8 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, QObject* parent)
     connect(&state.accountStore(), &AccountStore::accountsChanged, this, &WorkspaceViewModel::stateChanged);
     connect(&state.preferences(), &AppPreferencesStore::changed, this, &WorkspaceViewModel::stateChanged);
     connect(&state, &AppState::selectedAppChanged, this, &WorkspaceViewModel::selectionChanged);
+    connect(&state, &AppState::selectedAppChanged, this, &WorkspaceViewModel::rebuildSectionModels);
+    connect(&state, &AppState::selectedSectionChanged, this, &WorkspaceViewModel::loadOpenSection);
     connect(&state, &AppState::selectedSectionChanged, this, &WorkspaceViewModel::selectionChanged);
     // The main window opens where it was left: the app and section are written back as they change.
     connect(this, &WorkspaceViewModel::selectionChanged, this, [this] {
@@ -183,7 +187,56 @@ QString WorkspaceViewModel::selectedSectionTitle() const {
 }
 
 bool WorkspaceViewModel::isBuilt(SidebarSection section) {
-    return section == SidebarSection::Overview;
+    return section == SidebarSection::Overview || section == SidebarSection::AppStoreOptimization ||
+           section == SidebarSection::Releases;
+}
+
+MetadataViewModel* WorkspaceViewModel::metadataModel() const {
+    return m_metadata;
+}
+
+QObject* WorkspaceViewModel::metadata() const {
+    return m_metadata;
+}
+
+QObject* WorkspaceViewModel::versionsList() const {
+    return m_versions;
+}
+
+void WorkspaceViewModel::rebuildSectionModels() {
+    // Without a selected app the old models stay until the next app replaces them: the screens
+    // are hidden then, and a page never sees its model vanish under it.
+    const QString appID = selectedAppID();
+    if (appID.isEmpty() || appID == m_sectionModelsAppID) {
+        return;
+    }
+    m_sectionModelsAppID = appID;
+    QPointer<MetadataViewModel> oldMetadata = m_metadata;
+    QPointer<VersionsListViewModel> oldVersions = m_versions;
+    m_metadataLoaded = false;
+    m_versionsLoaded = false;
+    m_metadata = new MetadataViewModel(m_state, *m_state.selectedApp(), this);
+    m_versions = new VersionsListViewModel(m_state, *m_state.selectedApp(), this);
+    Q_EMIT sectionModelsChanged();
+    if (oldMetadata) {
+        oldMetadata->deleteLater();
+    }
+    if (oldVersions) {
+        oldVersions->deleteLater();
+    }
+    loadOpenSection();
+}
+
+void WorkspaceViewModel::loadOpenSection() {
+    const auto section = m_state.selectedSection().value_or(SidebarSection::Overview);
+    if (section == SidebarSection::AppStoreOptimization && m_metadata && !m_metadataLoaded) {
+        m_metadataLoaded = true;
+        m_metadata->startLoad(false);
+    }
+    if (section == SidebarSection::Releases && m_versions && !m_versionsLoaded) {
+        m_versionsLoaded = true;
+        m_versions->startLoad(false);
+    }
 }
 
 QString WorkspaceViewModel::emptyTextFor(SidebarSection section) {

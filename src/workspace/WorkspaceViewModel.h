@@ -4,9 +4,12 @@
 
 #include <QCoro/QCoroTask>
 #include <QObject>
+#include <QPointer>
 #include <QVariantList>
 
 class AppListModel;
+class MetadataViewModel;
+class VersionsListViewModel;
 class AppState;
 struct ManagedApp;
 
@@ -45,6 +48,8 @@ class WorkspaceViewModel : public QObject {
                    onboardingChanged)
     Q_PROPERTY(QString onboardingTitle READ onboardingTitle CONSTANT)
     Q_PROPERTY(QStringList onboardingSteps READ onboardingSteps CONSTANT)
+    Q_PROPERTY(QObject* metadata READ metadata NOTIFY sectionModelsChanged)
+    Q_PROPERTY(QObject* versionsList READ versionsList NOTIFY sectionModelsChanged)
     Q_PROPERTY(bool isCommandPaletteAvailable READ isCommandPaletteAvailable CONSTANT)
     Q_PROPERTY(bool isSearchAvailable READ isSearchAvailable CONSTANT)
     Q_PROPERTY(bool isCheckChangesAvailable READ isCheckChangesAvailable CONSTANT)
@@ -91,6 +96,12 @@ public:
     bool isSearchAvailable() const { return false; }
     bool isCheckChangesAvailable() const { return false; }
 
+    // The models of the selected app's sections; made when an app is selected, loaded when their
+    // section is first opened.
+    MetadataViewModel* metadataModel() const;
+    QObject* metadata() const;
+    QObject* versionsList() const;
+
     Q_INVOKABLE void selectApp(const QString& appID);
     Q_INVOKABLE void toggleFavorite(const QString& appID);
     Q_INVOKABLE void showAllApps();
@@ -115,13 +126,21 @@ Q_SIGNALS:
     void selectionChanged();
     void onboardingChanged();
     void appWindowRequested(const QString& appID);
+    void sectionModelsChanged();
 
 private:
     void startLoad(bool forceRefresh);
+    void rebuildSectionModels();
+    void loadOpenSection();
 
     AppState& m_state;
     AppListModel* m_favorites;
     AppListModel* m_recents;
     AppListModel* m_all;
     bool m_onboarding = false;
+    QPointer<MetadataViewModel> m_metadata;
+    QPointer<VersionsListViewModel> m_versions;
+    QString m_sectionModelsAppID;
+    bool m_metadataLoaded = false;
+    bool m_versionsLoaded = false;
 };

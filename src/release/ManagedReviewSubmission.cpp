@@ -1,0 +1,117 @@
+#include "release/ManagedReviewSubmission.h"
+
+#include "wire/RawValueTable.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+using S = ASCReviewSubmissionState::Case;
+constexpr std::array<RawValueRow<S>, 6> submissionTable{{
+    {S::ReadyForReview, u"READY_FOR_REVIEW", u"Bereit zur Einreichung"},
+    {S::WaitingForReview, u"WAITING_FOR_REVIEW", u"Warten auf Prüfung"},
+    {S::InReview, u"IN_REVIEW", u"In Prüfung"},
+    {S::UnresolvedIssues, u"UNRESOLVED_ISSUES", u"Offene Beanstandungen"},
+    {S::Canceling, u"CANCELING", u"Wird zurückgezogen"},
+    {S::Complete, u"COMPLETE", u"Abgeschlossen"},
+}};
+
+using I = ASCReviewSubmissionItemState::Case;
+constexpr std::array<RawValueRow<I>, 5> itemTable{{
+    {I::ReadyForReview, u"READY_FOR_REVIEW"},
+    {I::Accepted, u"ACCEPTED"},
+    {I::Approved, u"APPROVED"},
+    {I::Rejected, u"REJECTED"},
+    {I::Removed, u"REMOVED"},
+}};
+} // namespace
+
+ASCReviewSubmissionState ASCReviewSubmissionState::fromRaw(const QString& raw) {
+    ASCReviewSubmissionState s;
+    if (auto c = caseForRaw(submissionTable, raw)) {
+        s.m_case = *c;
+    } else {
+        s.m_unknown = raw;
+    }
+    return s;
+}
+
+QString ASCReviewSubmissionState::raw() const {
+    const auto* row = rowForCase(submissionTable, m_case);
+    return row ? row->raw.toString() : m_unknown;
+}
+
+QString ASCReviewSubmissionState::displayName() const {
+    const auto* row = rowForCase(submissionTable, m_case);
+    return row ? row->label.toString() : m_unknown;
+}
+
+ASCReviewSubmissionItemState ASCReviewSubmissionItemState::fromRaw(const QString& raw) {
+    ASCReviewSubmissionItemState s;
+    if (auto c = caseForRaw(itemTable, raw)) {
+        s.m_case = *c;
+    } else {
+        s.m_unknown = raw;
+    }
+    return s;
+}
+
+QString ASCReviewSubmissionItemState::raw() const {
+    const auto* row = rowForCase(itemTable, m_case);
+    return row ? row->raw.toString() : m_unknown;
+}
+
+ASCReviewSubmissionAttributes ASCReviewSubmissionAttributes::fromJson(const JsonReader& r) {
+    return ASCReviewSubmissionAttributes{r.optString(u"platform"_s), r.optString(u"state"_s),
+                                         r.optDate(u"submittedDate"_s)};
+}
+
+ASCReviewSubmissionItemAttributes ASCReviewSubmissionItemAttributes::fromJson(const JsonReader& r) {
+    return ASCReviewSubmissionItemAttributes{r.optString(u"state"_s), r.optBool(u"resolved"_s),
+                                             r.optBool(u"removed"_s)};
+}
+
+ManagedReviewSubmissionItem ManagedReviewSubmissionItem::fromResource(
+    const QString& id, const std::optional<ASCReviewSubmissionItemAttributes>& a,
+    const QJsonObject& relationships, const QHash<QString, VelmoraVersion>& versionsByID) {
+    ManagedReviewSubmissionItem item;
+    item.id = id;
+    if (a) {
+        if (a->state) {
+            item.state = ASCReviewSubmissionItemState::fromRaw(*a->state);
+        }
+        item.isResolved = a->resolved.value_or(false);
+        item.isRemoved = a->removed.value_or(false);
+    }
+    if (item.state.value() == ASCReviewSubmissionItemState::Case::Removed) {
+        item.isRemoved = true;
+    }
+    const QJsonValue linkage = relationships.value(u"appStoreVersion"_s).toObject().value(u"data"_s);
+    if (linkage.isObject()) {
+        const QString versionID = linkage.toObject().value(u"id"_s).toString();
+        if (!versionID.isEmpty()) {
+            item.appStoreVersionID = versionID;
+            if (auto it = versionsByID.constFind(versionID); it != versionsByID.cend()) {
+                item.subjectDescription = u"Version "_s + it->versionString;
+            }
+        }
+    }
+    return item;
+}
+
+ManagedReviewSubmission
+ManagedReviewSubmission::fromResource(const QString& id,
+                                      const std::optional<ASCReviewSubmissionAttributes>& a) {
+    ManagedReviewSubmission s;
+    s.id = id;
+    if (!a) {
+        return s;
+    }
+    if (a->platform) {
+        s.platform = ASCPlatform::fromRaw(*a->platform);
+    }
+    if (a->state) {
+        s.state = ASCReviewSubmissionState::fromRaw(*a->state);
+    }
+    s.submittedDate = a->submittedDate;
+    return s;
+}

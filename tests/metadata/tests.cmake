@@ -1,0 +1,5 @@
+varnis_add_test(NAME tst_validator LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_validator.cpp)
+varnis_add_test(NAME tst_matrix LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_matrix.cpp)
+varnis_add_test(NAME tst_metadataviewmodel LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_metadataviewmodel.cpp)
+varnis_add_test(NAME tst_localizations LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_localizations.cpp)
+varnis_add_test(NAME tst_drafts LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_drafts.cpp)

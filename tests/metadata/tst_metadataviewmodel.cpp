@@ -1,0 +1,703 @@
+#include "api/AccountStore.h"
+#include "api/AuditLog.h"
+#include "metadata/AppStoreLocales.h"
+#include "metadata/MetadataDraftStore.h"
+#include "metadata/MetadataViewModel.h"
+#include "platform/Clock.h"
+#include "platform/QtHttpTransport.h"
+#include "support/AwaitTask.h"
+#include "support/FakeTransport.h"
+#include "support/MemorySecretStore.h"
+#include "support/TestKeys.h"
+#include "support/TestServer.h"
+#include "workspace/AppState.h"
+#include "workspace/MockData.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Answer = FakeTransport::Answer;
+using Member = QString ManagedLocalization::*;
+
+struct WireField {
+    QString key;
+    Member member;
+    bool appInfoSide;
+};
+
+const QList<WireField>& wireFields() {
+    using L = ManagedLocalization;
+    static const QList<WireField> fields{
+        {u"name"_s, &L::name, true},
+        {u"subtitle"_s, &L::subtitle, true},
+        {u"privacyPolicyUrl"_s, &L::privacyPolicyURL, true},
+        {u"privacyChoicesUrl"_s, &L::privacyChoicesURL, true},
+        {u"privacyPolicyText"_s, &L::privacyPolicyText, true},
+        {u"description"_s, &L::description, false},
+        {u"keywords"_s, &L::keywords, false},
+        {u"promotionalText"_s, &L::promotionalText, false},
+        {u"whatsNew"_s, &L::whatsNew, false},
+        {u"marketingUrl"_s, &L::marketingURL, false},
+        {u"supportUrl"_s, &L::supportURL, false},
+    };
+    return fields;
+}
+
+ManagedLocalization language(const QString& locale, const QString& name, const QString& description) {
+    ManagedLocalization l;
+    l.locale = locale;
+    l.appInfoLocalizationID = u"info-"_s + locale;
+    l.versionLocalizationID = u"ver-"_s + locale;
+    l.name = name;
+    l.description = description;
+    l.keywords = u"notizen,tagebuch"_s;
+    return l;
+}
+
+// The localization resources of one app as App Store Connect keeps them. Writes change the
+// stored texts unless the field is one Apple silently keeps, as it does for a live version.
+struct FakeApple {
+    QList<ManagedLocalization> languages{language(u"de-DE"_s, u"Kladde"_s, u"Alles an einem Ort."_s),
+                                         language(u"en-US"_s, u"Notebook"_s, u"All in one place."_s)};
+    QSet<QString> keptFields;
+    int versionPatchStatus = 200;
+    // After the first accepted write, the lists can no longer be read.
+    bool listsFailAfterWrite = false;
+    bool listsFail = false;
+
+    static QJsonObject resource(const ManagedLocalization& l, bool appInfoSide) {
+        QJsonObject attributes{{u"locale"_s, l.locale}};
+        for (const auto& field : wireFields()) {
+            if (field.appInfoSide == appInfoSide) {
+                attributes.insert(field.key, l.*field.member);
+            }
+        }
+        return {{u"type"_s, appInfoSide ? u"appInfoLocalizations"_s : u"appStoreVersionLocalizations"_s},
+                {u"id"_s, appInfoSide ? *l.appInfoLocalizationID : *l.versionLocalizationID},
+                {u"attributes"_s, attributes}};
+    }
+
+    static QByteArray document(const QJsonValue& data) {
+        return QJsonDocument(QJsonObject{{u"data"_s, data}, {u"links"_s, QJsonObject{}}}).toJson();
+    }
+
+    ManagedLocalization* find(const QString& id) {
+        for (auto& l : languages) {
+            if (l.appInfoLocalizationID == id || l.versionLocalizationID == id) {
+                return &l;
+            }
+        }
+        return nullptr;
+    }
+
+    QPair<int, QByteArray> handle(const QByteArray& method, const QString& path, const QByteArray& body) {
+        const bool appInfoSide = path.contains(u"appInfo"_s);
+        const QJsonObject data = QJsonDocument::fromJson(body).object()[u"data"_s].toObject();
+        if (method == "GET") {
+            if (listsFail) {
+                return {403, QByteArray(R"({"errors":[{"status":"403","detail":"Kein Zugriff."}]})")};
+            }
+            QJsonArray list;
+            for (const auto& l : languages) {
+                list.append(resource(l, appInfoSide));
+            }
+            return {200, document(list)};
+        }
+        if (method == "POST") {
+            const QString locale = data[u"attributes"_s][u"locale"_s].toString();
+            ManagedLocalization* created = find(u"info-"_s + locale);
+            if (!created) {
+                languages.append(language(locale, QString(), QString()));
+                created = &languages.last();
+                created->keywords.clear();
+            }
+            for (const auto& field : wireFields()) {
+                if (field.appInfoSide == appInfoSide && data[u"attributes"_s][field.key].isString()) {
+                    created->*field.member = data[u"attributes"_s][field.key].toString();
+                }
+            }
+            return {201, document(resource(*created, appInfoSide))};
+        }
+        ManagedLocalization* target = find(path.section(u'/', -1));
+        if (!target) {
+            return {404, QByteArray(R"({"errors":[{"status":"404"}]})")};
+        }
+        if (method == "DELETE") {
+            (appInfoSide ? target->appInfoLocalizationID : target->versionLocalizationID).reset();
+            return {204, QByteArray()};
+        }
+        if (!appInfoSide && versionPatchStatus != 200) {
+            return {versionPatchStatus,
+                    QByteArray(R"({"errors":[{"status":"409","detail":"Version ist gesperrt."}]})")};
+        }
+        const QJsonObject attributes = data[u"attributes"_s].toObject();
+        for (const auto& field : wireFields()) {
+            if (attributes.contains(field.key) && !keptFields.contains(field.key)) {
+                target->*field.member = attributes[field.key].toString();
+            }
+        }
+        listsFail = listsFailAfterWrite;
+        return {200, document(resource(*target, appInfoSide))};
+    }
+};
+
+QByteArray versionsPage(const QStringList& entries) {
+    // "id:versionString:STATE", newest first by creation date.
+    QJsonArray data;
+    int day = 28;
+    for (const auto& entry : entries) {
+        const QStringList parts = entry.split(u':');
+        data.append(QJsonObject{
+            {u"type"_s, u"appStoreVersions"_s},
+            {u"id"_s, parts[0]},
+            {u"attributes"_s, QJsonObject{{u"versionString"_s, parts[1]},
+                                          {u"appStoreState"_s, parts[2]},
+                                          {u"platform"_s, u"IOS"_s},
+                                          {u"createdDate"_s, u"2025-12-%1T10:00:00Z"_s.arg(day--)}}}});
+    }
+    return QJsonDocument(QJsonObject{{u"data"_s, data}, {u"links"_s, QJsonObject{}}}).toJson();
+}
+
+const QByteArray appInfosPage =
+    R"({"data":[{"type":"appInfos","id":"appinfo-1","attributes":{}}],"links":{}})";
+
+const QString descriptionKept = u"App Store Connect hat Beschreibung nicht übernommen. "_s;
+
+ManagedApp testApp() {
+    ManagedApp app;
+    app.id = u"app-1"_s;
+    app.name = u"Kladde"_s;
+    app.bundleID = u"com.example.kladde"_s;
+    app.primaryLocale = u"en-US"_s;
+    return app;
+}
+
+struct Fixture {
+    QTemporaryDir dir;
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<FakeTransport> transport = std::make_shared<FakeTransport>();
+    std::shared_ptr<HttpTransport> wire = transport;
+    QUrl apiRoot = QUrl(u"https://api.example.test"_s);
+    std::unique_ptr<AppState> state;
+    std::unique_ptr<MetadataViewModel> model;
+    FakeApple apple;
+
+    void start() {
+        Platform p;
+        p.clock = clock;
+        p.transport = wire;
+        p.secrets = std::make_shared<MemorySecretStore>();
+        p.paths = DataPaths::at(dir.filePath(u"data"_s));
+        p.apiRoot = apiRoot;
+        auto settings = std::make_shared<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
+        state = std::make_unique<AppState>(p, AppState::Options{settings});
+        model = std::make_unique<MetadataViewModel>(*state, testApp());
+    }
+
+    Account addAccount() {
+        auto task = state->accountStore().addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                                                     u"ABCDE12345"_s, makeTestKey().privateKeyPEM);
+        return VarnisTest::awaitTask(std::move(task));
+    }
+
+    // Versions "id:versionString:STATE", newest first, and every localization route on `apple`.
+    void scriptApple(const QStringList& versions) {
+        transport->script("GET", u"/v1/apps/app-1/appStoreVersions"_s,
+                          {Answer::json(200, versionsPage(versions))});
+        transport->script("GET", u"/v1/apps/app-1/appInfos"_s, {Answer::json(200, appInfosPage)});
+        const auto handler = [this](const HttpRequest& request) {
+            const auto [status, body] = apple.handle(request.method, request.url.path(), request.body);
+            return Answer::json(status, body);
+        };
+        for (const QString& prefix : {u"/v1/appInfos/"_s, u"/v1/appStoreVersions/"_s,
+                                      u"/v1/appInfoLocalizations"_s, u"/v1/appStoreVersionLocalizations"_s}) {
+            transport->route("", prefix, handler, RouteMatch::Prefix);
+        }
+    }
+
+    // Started with an account, the versions given, and loaded.
+    void ready(const QStringList& versions = {u"v1:2.0:PREPARE_FOR_SUBMISSION"_s}) {
+        start();
+        addAccount();
+        scriptApple(versions);
+        load();
+        transport->clearRequests();
+    }
+
+    void load() { VarnisTest::awaitTask(model->load(true)); }
+    void save() { VarnisTest::awaitTask(model->save()); }
+
+    QList<HttpRequest> writes() const {
+        QList<HttpRequest> result;
+        for (const auto& request : transport->requests()) {
+            if (request.method != "GET") {
+                result.append(request);
+            }
+        }
+        return result;
+    }
+
+    std::optional<MetadataDraftStore::Draft> draft(const QString& locale) const {
+        return state->metadataDrafts().draft(u"app-1"_s, locale);
+    }
+};
+
+QJsonObject attributesOf(const HttpRequest& request) {
+    return QJsonDocument::fromJson(request.body).object()[u"data"_s][u"attributes"_s].toObject();
+}
+
+QStringList describe(const QList<HttpRequest>& requests) {
+    QStringList result;
+    for (const auto& request : requests) {
+        result.append(QString::fromLatin1(request.method) + u' ' + request.url.path());
+    }
+    return result;
+}
+
+// The removal runs on its own once confirmed; lets the event loop work without waiting in time.
+bool spinUntil(const std::function<bool()>& done) {
+    for (int i = 0; i < 1000 && !done(); ++i) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+    return done();
+}
+
+} // namespace
+
+class TestMetadataViewModel : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void chooseVersion_data();
+    void chooseVersion();
+    void defaultLocale_data();
+    void defaultLocale();
+    void savedOrKept_data();
+    void savedOrKept();
+    void failedReloadClaimsNoMismatch();
+    void nothingToSave();
+    void fieldsOnTheWire_data();
+    void fieldsOnTheWire();
+    void draftsFollowTheBuffer();
+    void readOnlySendsNothing();
+    void failedVersionSideKeepsTyping();
+    void addLanguage_data();
+    void addLanguage();
+    void removeLanguage();
+    void demoSendsNothing();
+    void keptTextOverRealHttp();
+};
+
+void TestMetadataViewModel::chooseVersion_data() {
+    QTest::addColumn<QStringList>("versions");
+    QTest::addColumn<QString>("edited");
+    QTest::addColumn<QString>("restrictedState"); // empty: every field can be changed
+    QTest::addColumn<bool>("firstVersion");
+
+    QTest::newRow("live newest, prepared older")
+        << QStringList{u"v2:2.1:READY_FOR_SALE"_s, u"v1:2.2:PREPARE_FOR_SUBMISSION"_s} << u"2.2"_s
+        << QString() << false;
+    QTest::newRow("rejected after waiting for review")
+        << QStringList{u"v3:3.0:WAITING_FOR_REVIEW"_s, u"v2:2.9:REJECTED"_s} << u"2.9"_s << QString()
+        << false;
+    QTest::newRow("only live") << QStringList{u"v1:2.1:READY_FOR_SALE"_s} << u"2.1"_s << u"Im Verkauf"_s
+                               << true;
+    QTest::newRow("nothing editable takes the newest")
+        << QStringList{u"v3:3.0:IN_REVIEW"_s, u"v2:2.0:READY_FOR_SALE"_s} << u"3.0"_s << u"In Review"_s
+        << false;
+}
+
+void TestMetadataViewModel::chooseVersion() {
+    QFETCH(QStringList, versions);
+    QFETCH(QString, edited);
+    QFETCH(QString, restrictedState);
+    QFETCH(bool, firstVersion);
+    Fixture f;
+    f.ready(versions);
+    QCOMPARE(f.model->loadError(), std::nullopt);
+    QCOMPARE(f.model->editableVersionString(), std::optional<QString>(edited));
+    QCOMPARE(f.model->isFirstVersion(), firstVersion);
+    QCOMPARE(f.model->localizations(), f.apple.languages);
+    // Apple asks for no what's-new text on an app's first version.
+    QCOMPARE(f.model->validation()->findingsFor(MetadataField::WhatsNew).isEmpty(), firstVersion);
+    QCOMPARE(
+        f.model->restrictedFieldsHintText(),
+        restrictedState.isEmpty()
+            ? QString()
+            : u"Version "_s + edited + u" ist "_s + restrictedState +
+                  u". App Store Connect nimmt hier nur Werbetext sowie Marketing-, Support- und "
+                  u"Datenschutz-URL an – Beschreibung, Keywords und Neuerungen brauchen eine neue Version."_s);
+}
+
+void TestMetadataViewModel::defaultLocale_data() {
+    QTest::addColumn<QStringList>("versions");
+    QTest::addColumn<QString>("pending");
+    QTest::addColumn<QString>("selected");
+    QTest::addColumn<QString>("loadError");
+
+    QTest::newRow("pending that exists")
+        << QStringList{u"v1:2.0:PREPARE_FOR_SUBMISSION"_s} << u"de-DE"_s << u"de-DE"_s << QString();
+    QTest::newRow("unknown pending falls to primary")
+        << QStringList{u"v1:2.0:PREPARE_FOR_SUBMISSION"_s} << u"ja"_s << u"en-US"_s << QString();
+    QTest::newRow("no version") << QStringList{} << u"de-DE"_s << QString()
+                                << u"Für diese App wurde noch keine Version angelegt."_s;
+}
+
+void TestMetadataViewModel::defaultLocale() {
+    QFETCH(QStringList, versions);
+    QFETCH(QString, pending);
+    QFETCH(QString, selected);
+    QFETCH(QString, loadError);
+    Fixture f;
+    f.start();
+    f.addAccount();
+    f.scriptApple(versions);
+    f.state->setPendingLocale(pending);
+    f.load();
+    QCOMPARE(f.model->loadErrorText(), loadError);
+    QCOMPARE(f.model->selectedLocaleText(), selected);
+    QCOMPARE(f.model->editBuffer() ? f.model->editBuffer()->locale : QString(), selected);
+    QVERIFY(!f.model->isLoading());
+    if (loadError.isEmpty()) {
+        QCOMPARE(f.state->pendingLocale(), std::nullopt);
+    }
+}
+
+void TestMetadataViewModel::savedOrKept_data() {
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<bool>("appleKeeps");
+    QTest::addColumn<QString>("saveError");
+
+    QTest::newRow("taken") << u"PREPARE_FOR_SUBMISSION"_s << false << QString();
+    QTest::newRow("kept on a live version")
+        << u"READY_FOR_SALE"_s << true
+        << descriptionKept + u"Version 2.0 ist Im Verkauf. App Store Connect nimmt hier nur Werbetext sowie "
+                             u"Marketing-, Support- und Datenschutz-URL an – Beschreibung, Keywords und "
+                             u"Neuerungen brauchen eine neue Version."_s;
+    QTest::newRow("kept while fully editable")
+        << u"PREPARE_FOR_SUBMISSION"_s << true
+        << descriptionKept + u"Der eingegebene Text bleibt hier stehen."_s;
+}
+
+void TestMetadataViewModel::savedOrKept() {
+    QFETCH(QString, state);
+    QFETCH(bool, appleKeeps);
+    QFETCH(QString, saveError);
+    Fixture f;
+    if (appleKeeps) {
+        f.apple.keptFields = {u"description"_s};
+    }
+    f.ready({u"v1:2.0:"_s + state});
+    f.model->selectLocale(u"de-DE"_s);
+    const QString typed = u"Jetzt mit Kalender."_s;
+    f.model->setField(u"description"_s, typed);
+    f.model->setField(u"promotionalText"_s, u"Neu im Winter"_s);
+    f.save();
+
+    QCOMPARE(describe(f.writes()), QStringList{u"PATCH /v1/appStoreVersionLocalizations/ver-de-DE"_s});
+    QCOMPARE(f.model->saveErrorText(), saveError);
+    QCOMPARE(f.model->didJustSave(), !appleKeeps);
+    QVERIFY(!f.model->isSaving());
+    // The promotional text went through either way; what was typed stays visible.
+    QCOMPARE(f.model->localizations()[0].promotionalText, u"Neu im Winter"_s);
+    // The reload keeps the language that was being edited.
+    QCOMPARE(f.model->editBuffer()->locale, u"de-DE"_s);
+    QCOMPARE(f.model->editBuffer()->description, typed);
+    QCOMPARE(f.model->editBuffer()->promotionalText, u"Neu im Winter"_s);
+    QCOMPARE(f.model->hasUnsavedChanges(), appleKeeps);
+    QCOMPARE(f.draft(u"de-DE"_s).has_value(), appleKeeps);
+    if (appleKeeps) {
+        QCOMPARE(f.draft(u"de-DE"_s)->localization.description, typed);
+    }
+}
+
+void TestMetadataViewModel::failedReloadClaimsNoMismatch() {
+    Fixture f;
+    f.apple.listsFailAfterWrite = true;
+    f.ready();
+    f.model->setField(u"description"_s, u"Jetzt mit Kalender."_s);
+    f.save();
+    QCOMPARE(describe(f.writes()), QStringList{u"PATCH /v1/appStoreVersionLocalizations/ver-en-US"_s});
+    // Apple took the text; only the check afterwards failed. That is no mismatch to report.
+    QVERIFY(!f.model->loadErrorText().isEmpty());
+    QVERIFY2(!f.model->saveErrorText().contains(u"nicht übernommen"_s), qPrintable(f.model->saveErrorText()));
+    QVERIFY(!f.model->didJustSave());
+    QVERIFY(!f.model->isSaving());
+    QCOMPARE(f.model->editBuffer()->description, u"Jetzt mit Kalender."_s);
+    QCOMPARE(f.draft(u"en-US"_s)->localization.description, u"Jetzt mit Kalender."_s);
+}
+
+void TestMetadataViewModel::nothingToSave() {
+    Fixture f;
+    f.ready();
+    // A change typed and taken back counts as no change.
+    f.model->setField(u"name"_s, u"Notebook Pro"_s);
+    f.model->setField(u"name"_s, u"Notebook"_s);
+    f.save();
+    QCOMPARE(f.transport->requestCount(), 0);
+    QCOMPARE(f.model->saveErrorText(),
+             u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht."_s);
+    QVERIFY(!f.model->isSaving());
+    QVERIFY(!f.model->didJustSave());
+}
+
+void TestMetadataViewModel::fieldsOnTheWire_data() {
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QJsonObject>("attributes");
+
+    const QString version = u"/v1/appStoreVersionLocalizations/ver-en-US"_s;
+    QTest::newRow("emptied") << u"keywords"_s << QString() << version
+                             << QJsonObject{{u"keywords"_s, QJsonValue::Null}};
+    QTest::newRow("only spaces") << u"description"_s << u"  \n "_s << version
+                                 << QJsonObject{{u"description"_s, QJsonValue::Null}};
+    QTest::newRow("changed, untrimmed")
+        << u"keywords"_s << u" kalender "_s << version << QJsonObject{{u"keywords"_s, u" kalender "_s}};
+    QTest::newRow("app-info side") << u"name"_s << QString() << u"/v1/appInfoLocalizations/info-en-US"_s
+                                   << QJsonObject{{u"name"_s, QJsonValue::Null}};
+}
+
+void TestMetadataViewModel::fieldsOnTheWire() {
+    QFETCH(QString, field);
+    QFETCH(QString, text);
+    QFETCH(QString, path);
+    QFETCH(QJsonObject, attributes);
+    Fixture f;
+    f.ready();
+    f.model->setField(field, text);
+    f.save();
+    const auto writes = f.writes();
+    QCOMPARE(describe(writes), QStringList{u"PATCH "_s + path});
+    QCOMPARE(attributesOf(writes.first()), attributes);
+    VARNIS_VERIFY_CONTRACT(*f.transport);
+}
+
+void TestMetadataViewModel::draftsFollowTheBuffer() {
+    Fixture f;
+    f.ready();
+    f.model->selectLocale(u"de-DE"_s);
+    f.clock->advance(90);
+    const QDateTime editedAt = f.clock->now();
+    f.model->setField(u"description"_s, u"Alles an einem Ort. Jetzt mit Kalender."_s);
+    f.clock->advance(600);
+
+    f.model->selectLocale(u"en-US"_s);
+    QCOMPARE(f.model->editBuffer()->description, u"All in one place."_s);
+    QCOMPARE(f.model->restoredDraftDate(), std::nullopt);
+
+    f.model->selectLocale(u"de-DE"_s);
+    QCOMPARE(f.model->editBuffer()->description, u"Alles an einem Ort. Jetzt mit Kalender."_s);
+    QCOMPARE(f.model->restoredDraftDate(), std::optional<QDateTime>(editedAt));
+    QVERIFY(f.model->hasUnsavedChanges());
+
+    // Taken back by hand: the draft goes, and the next visit shows Apple's text plainly.
+    f.model->setField(u"description"_s, u"Alles an einem Ort."_s);
+    QCOMPARE(f.draft(u"de-DE"_s), std::nullopt);
+    QVERIFY(!f.model->hasUnsavedChanges());
+    f.model->selectLocale(u"en-US"_s);
+    f.model->selectLocale(u"de-DE"_s);
+    QCOMPARE(f.model->restoredDraftDate(), std::nullopt);
+    QCOMPARE(f.transport->requestCount(), 0);
+}
+
+void TestMetadataViewModel::readOnlySendsNothing() {
+    Fixture f;
+    f.ready();
+    Account account = *f.state->accountStore().selectedAccount();
+    account.isReadOnly = true;
+    f.state->accountStore().updateAccount(account);
+    const QString readOnly =
+        u"Dieser Account steht auf Nur-Lesen. Der Schalter sitzt in den Einstellungen."_s;
+
+    f.model->setField(u"description"_s, u"Neu"_s);
+    f.save();
+    QCOMPARE(f.model->saveErrorText(), readOnly);
+    QVERIFY(!f.model->isSaving());
+
+    f.model->requestDeleteLanguage(u"de-DE"_s);
+    QCOMPARE(f.model->pendingWrite().has_value(), false);
+    QCOMPARE(f.model->languageErrorText(), readOnly);
+
+    f.model->setNewLanguage(u"fr-FR"_s, QString());
+    VarnisTest::awaitTask(f.model->addLanguage());
+    QCOMPARE(f.model->languageErrorText(), readOnly);
+    QCOMPARE(f.transport->requestCount(), 0);
+    QCOMPARE(f.draft(u"en-US"_s)->localization.description, u"Neu"_s);
+}
+
+void TestMetadataViewModel::failedVersionSideKeepsTyping() {
+    Fixture f;
+    f.apple.versionPatchStatus = 409;
+    f.ready();
+    f.model->setField(u"name"_s, u"Notebook Pro"_s);
+    f.model->setField(u"description"_s, u"Now with a calendar."_s);
+    f.save();
+
+    QCOMPARE(describe(f.writes()), (QStringList{u"PATCH /v1/appInfoLocalizations/info-en-US"_s,
+                                                u"PATCH /v1/appStoreVersionLocalizations/ver-en-US"_s}));
+    QVERIFY2(f.model->saveErrorText().contains(u"Version ist gesperrt."_s),
+             qPrintable(f.model->saveErrorText()));
+    QVERIFY(!f.model->isSaving());
+    QVERIFY(!f.model->didJustSave());
+    // The app-info side stays saved at Apple; nothing is undone.
+    QCOMPARE(f.apple.languages[1].name, u"Notebook Pro"_s);
+    QCOMPARE(f.apple.languages[1].description, u"All in one place."_s);
+    for (const auto& kept : {*f.model->editBuffer(), f.draft(u"en-US"_s)->localization}) {
+        QCOMPARE(kept.name, u"Notebook Pro"_s);
+        QCOMPARE(kept.description, u"Now with a calendar."_s);
+    }
+}
+
+void TestMetadataViewModel::addLanguage_data() {
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("languageError");
+
+    QTest::newRow("not a code")
+        << u"deutsch!"_s << u"„deutsch!“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja)."_s;
+    QTest::newRow("only spaces") << u"   "_s << QString();
+    QTest::newRow("valid, padded") << u" fr-FR "_s << QString();
+}
+
+void TestMetadataViewModel::addLanguage() {
+    QFETCH(QString, typed);
+    QFETCH(QString, languageError);
+    Fixture f;
+    f.ready();
+    f.model->beginAddingLanguage();
+    f.model->setNewLanguage(typed, u"de-DE"_s);
+    VarnisTest::awaitTask(f.model->addLanguage());
+    QCOMPARE(f.model->languageErrorText(), languageError);
+    if (typed.trimmed() != u"fr-FR"_s) {
+        QCOMPARE(f.transport->requestCount(), 0);
+        QCOMPARE(f.model->localizations().size(), 2);
+        return;
+    }
+    const auto writes = f.writes();
+    QCOMPARE(describe(writes),
+             (QStringList{u"POST /v1/appInfoLocalizations"_s, u"POST /v1/appStoreVersionLocalizations"_s}));
+    // Seeded from German.
+    QCOMPARE(attributesOf(writes[0])[u"locale"_s].toString(), u"fr-FR"_s);
+    QCOMPARE(attributesOf(writes[0])[u"name"_s].toString(), u"Kladde"_s);
+    QCOMPARE(attributesOf(writes[1])[u"description"_s].toString(), u"Alles an einem Ort."_s);
+    QCOMPARE(f.model->selectedLocaleText(), u"fr-FR"_s);
+    QCOMPARE(f.model->editBuffer()->appInfoLocalizationID, std::optional<QString>(u"info-fr-FR"_s));
+    QCOMPARE(f.model->editBuffer()->versionLocalizationID, std::optional<QString>(u"ver-fr-FR"_s));
+    QCOMPARE(f.model->editBuffer()->name, u"Kladde"_s);
+    QStringList locales;
+    for (const auto& l : f.model->localizations()) {
+        locales << l.locale;
+    }
+    QCOMPARE(locales, (QStringList{u"de-DE"_s, u"en-US"_s, u"fr-FR"_s}));
+    QVERIFY(!f.model->isAddingLanguage());
+    QVERIFY(!f.model->isChangingLanguages());
+    VARNIS_VERIFY_CONTRACT(*f.transport);
+}
+
+void TestMetadataViewModel::removeLanguage() {
+    Fixture f;
+    f.ready();
+    f.model->selectLocale(u"de-DE"_s);
+    f.model->setField(u"subtitle"_s, u"Entwurf"_s);
+
+    f.model->requestDeleteLanguage(u"de-DE"_s);
+    QVERIFY(f.model->pendingWrite());
+    const PendingWrite write = *f.model->pendingWrite();
+    QCOMPARE(write.title, u"Sprache entfernen"_s);
+    QVERIFY(write.isDestructive);
+    QCOMPARE(write.confirmLabel, u"Entfernen"_s);
+    QCOMPARE(write.changes.size(), 1);
+    QCOMPARE(write.changes[0].field, u"Sprache"_s);
+    QCOMPARE(write.changes[0].before, std::optional<QString>(AppStoreLocales::displayName(u"de-DE"_s)));
+    QCOMPARE(write.changes[0].after, u"Entfernen"_s);
+    QVERIFY(write.explanation.startsWith(AppStoreLocales::displayName(u"de-DE"_s) + u" wird aus"_s));
+
+    f.model->cancelPendingWrite();
+    QVERIFY(!f.model->pendingWrite());
+    QCoreApplication::processEvents();
+    QCOMPARE(f.transport->requestCount(), 0);
+
+    f.model->requestDeleteLanguage(u"de-DE"_s);
+    f.model->confirmPendingWrite();
+    QVERIFY(!f.model->pendingWrite());
+    QVERIFY(spinUntil([&] { return f.writes().size() == 2 && !f.model->isChangingLanguages(); }));
+    QCOMPARE(describe(f.writes()), (QStringList{u"DELETE /v1/appStoreVersionLocalizations/ver-de-DE"_s,
+                                                u"DELETE /v1/appInfoLocalizations/info-de-DE"_s}));
+    QCOMPARE(f.model->localizations().size(), 1);
+    QCOMPARE(f.model->selectedLocaleText(), u"en-US"_s);
+    QCOMPARE(f.model->editBuffer()->locale, u"en-US"_s);
+    QCOMPARE(f.draft(u"de-DE"_s), std::nullopt);
+    QCOMPARE(f.model->languageErrorText(), QString());
+}
+
+void TestMetadataViewModel::demoSendsNothing() {
+    Fixture f;
+    f.start();
+    f.state->setDemoModeEnabled(true);
+    f.load();
+    QCOMPARE(f.model->editableVersionString(), std::optional<QString>(u"3.1.0"_s));
+    QCOMPARE(f.model->localizations(), MockData::localizations(u"app-1"_s));
+    QCOMPARE(f.model->loadError(), std::nullopt);
+    QVERIFY(f.model->editBuffer());
+    f.model->setField(u"description"_s, u"Probe"_s);
+    f.save();
+    QCOMPARE(f.model->saveErrorText(), WriteGate::demoMessage());
+    f.model->requestDeleteLanguage(f.model->selectedLocaleText());
+    QVERIFY(!f.model->pendingWrite());
+    QCOMPARE(f.transport->requestCount(), 0);
+}
+
+void TestMetadataViewModel::keptTextOverRealHttp() {
+    TestServer server;
+    QVERIFY(server.isListening());
+    Fixture f;
+    f.apple.keptFields = {u"description"_s};
+    f.wire = std::make_shared<QtHttpTransport>(f.clock);
+    f.apiRoot = server.baseUrl();
+    f.start();
+    f.addAccount();
+    server.script("GET", u"/v1/apps/app-1/appStoreVersions"_s,
+                  {TestServer::Reply::json(200, versionsPage({u"v1:2.0:READY_FOR_SALE"_s}))});
+    server.script("GET", u"/v1/apps/app-1/appInfos"_s, {TestServer::Reply::json(200, appInfosPage)});
+    server.route(
+        "", u"/v1/app"_s,
+        [&](const TestServer::Request& request) {
+            const auto [status, body] = f.apple.handle(request.method, request.path, request.body);
+            return TestServer::Reply::json(status, body, {{"X-Apple-Request-Id", "req-" + request.method}});
+        },
+        RouteMatch::Prefix);
+
+    f.load();
+    QCOMPARE(f.model->loadErrorText(), QString());
+    f.model->setField(u"description"_s, u"Jetzt mit Kalender."_s);
+    f.save();
+
+    QVERIFY2(f.model->saveErrorText().startsWith(descriptionKept), qPrintable(f.model->saveErrorText()));
+    QVERIFY(f.model->saveErrorText().contains(u"Im Verkauf"_s));
+    QCOMPARE(f.model->editBuffer()->description, u"Jetzt mit Kalender."_s);
+    QCOMPARE(f.draft(u"en-US"_s)->localization.description, u"Jetzt mit Kalender."_s);
+    QCOMPARE(f.model->localizations()[1].description, u"All in one place."_s);
+
+    int patches = 0;
+    for (const auto& entry : f.state->accountStore().auditLog()->entries()) {
+        if (entry.method == u"PATCH"_s) {
+            ++patches;
+            QCOMPARE(entry.path, u"/v1/appStoreVersionLocalizations/ver-en-US"_s);
+            QCOMPARE(entry.statusCode, std::optional<int>(200));
+            QCOMPARE(entry.appleRequestID, std::optional<QString>(u"req-PATCH"_s));
+        }
+    }
+    QCOMPARE(patches, 1);
+}
+
+QTEST_GUILESS_MAIN(TestMetadataViewModel)
+#include "tst_metadataviewmodel.moc"
