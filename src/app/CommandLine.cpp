@@ -3,7 +3,11 @@
 #include "api/AccountStore.h"
 #include "api/AuditLog.h"
 #include "api/KeyImportValidator.h"
+#include "metadata/AppStoreLocales.h"
+#include "metadata/MetadataValidator.h"
+#include "metadata/MetadataViewModel.h"
 #include "platform/VarnisError.h"
+#include "wire/FieldUpdate.h"
 #include "workspace/AppState.h"
 
 #include <QFile>
@@ -117,6 +121,11 @@ QString CommandLine::helpText() {
            "  varnis accounts probe NAME [--json]\n"
            "  varnis apps [--json] [--refresh] [--all-accounts]\n"
            "  varnis audit-log [--json]\n"
+           "  varnis metadata show APP [--locale L] [--json]\n"
+           "  varnis metadata check APP [--json]\n"
+           "  varnis metadata set APP --locale L FELD=WERT … [--yes]   (FELD=@datei liest UTF-8)\n"
+           "      Felder: name, subtitle, promotionalText, description, keywords, whatsNew,\n"
+           "      supportURL, marketingURL, privacyPolicyURL, privacyChoicesURL, privacyPolicyText\n"
            "\n"
            "Umgebung:\n"
            "  VARNIS_API_ROOT                ersetzt die Adresse der API\n"
@@ -145,6 +154,8 @@ QCoro::Task<int> CommandLine::run(QStringList arguments) {
         status = co_await accounts(arguments);
     } else if (command == u"apps"_s) {
         status = co_await apps(arguments);
+    } else if (command == u"metadata"_s) {
+        status = co_await metadata(arguments);
     } else if (command == u"audit-log"_s) {
         status = auditLog(arguments);
     } else {
@@ -396,4 +407,260 @@ int CommandLine::auditLog(const QStringList& arguments) {
     }
     m_out << jsonText(array) << u'\n';
     return 0;
+}
+
+QCoro::Task<std::optional<ManagedApp>> CommandLine::findApp(QString query) {
+    if (m_state.apps().isEmpty()) {
+        co_await m_state.loadApps(false);
+    }
+    for (const auto& app : m_state.apps()) {
+        if (app.id == query) {
+            co_return app;
+        }
+    }
+    // Any part of the name, ignoring case; of several hits the first in list order.
+    for (const auto& app : m_state.apps()) {
+        if (app.name.contains(query, Qt::CaseInsensitive)) {
+            co_return app;
+        }
+    }
+    co_return std::nullopt;
+}
+
+namespace {
+
+QJsonObject localizationJson(const ManagedLocalization& localization) {
+    QJsonObject o{{u"locale"_s, localization.locale}};
+    for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+        o.insert(key, MetadataViewModel::fieldText(localization, key).value_or(QString()));
+    }
+    return o;
+}
+
+QString severityText(ReleaseCheckSeverity severity) {
+    switch (severity) {
+    case ReleaseCheckSeverity::Confirmed:
+        return u"blockiert"_s;
+    case ReleaseCheckSeverity::Warning:
+        return u"Warnung"_s;
+    default:
+        return u"Hinweis"_s;
+    }
+}
+
+// A value given as FELD=@datei comes from a UTF-8 file; the error text when it cannot.
+std::optional<QString> readValueFile(const QString& path, QString& error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = u"Die Datei „%1“ lässt sich nicht lesen: %2"_s.arg(path, file.errorString());
+        return std::nullopt;
+    }
+    const QByteArray bytes = file.readAll();
+    auto decoder = QStringDecoder(QStringDecoder::Utf8);
+    QString text = decoder(bytes);
+    if (decoder.hasError()) {
+        error = u"Die Datei „%1“ ist kein UTF-8-Text."_s.arg(path);
+        return std::nullopt;
+    }
+    return text;
+}
+
+} // namespace
+
+QCoro::Task<int> CommandLine::metadata(QStringList arguments) {
+    if (arguments.isEmpty()) {
+        co_return usage(u"„metadata“ braucht einen Unterbefehl: show, check oder set."_s);
+    }
+    const QString sub = arguments.takeFirst();
+    if (sub != u"show"_s && sub != u"check"_s && sub != u"set"_s) {
+        co_return usage(u"Unbekannter Unterbefehl: metadata %1"_s.arg(sub));
+    }
+    const auto args = parse(arguments, {u"--locale"_s}, {u"--json"_s, u"--yes"_s});
+    if (!args.error.isEmpty()) {
+        co_return usage(args.error);
+    }
+    if (args.positional.isEmpty()) {
+        co_return usage(u"Es fehlt die App (ein Teil ihres Namens oder ihre ID)."_s);
+    }
+    const QString locale = args.values.value(u"--locale"_s).trimmed();
+    if (!locale.isEmpty() && !AppStoreLocales::looksValid(locale)) {
+        m_err << u"„"_s << locale
+              << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
+        co_return 2;
+    }
+    // FELD=WERT pairs of "set", checked before anything is loaded.
+    QList<QPair<QString, QString>> assignments;
+    if (sub == u"set"_s) {
+        if (locale.isEmpty()) {
+            co_return usage(u"„metadata set“ braucht --locale."_s);
+        }
+        QStringList keys;
+        for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+            keys.append(key);
+        }
+        for (qsizetype i = 1; i < args.positional.size(); ++i) {
+            const QString& pair = args.positional[i];
+            const auto eq = pair.indexOf(u'=');
+            const QString key = eq > 0 ? pair.left(eq) : pair;
+            if (eq <= 0 || !keys.contains(key)) {
+                co_return usage(
+                    u"„%1“ ist keine Angabe der Form FELD=WERT mit einem bekannten Feld."_s.arg(pair));
+            }
+            QString value = pair.mid(eq + 1);
+            if (value.startsWith(u'@')) {
+                QString error;
+                auto fromFile = readValueFile(value.mid(1), error);
+                if (!fromFile) {
+                    m_err << error << u'\n';
+                    co_return 2;
+                }
+                value = *fromFile;
+            }
+            assignments.append({key, value});
+        }
+        if (assignments.isEmpty()) {
+            co_return usage(u"„metadata set“ braucht mindestens eine Angabe FELD=WERT."_s);
+        }
+    } else if (args.positional.size() != 1) {
+        co_return usage(u"„metadata %1“ nimmt genau eine App."_s.arg(sub));
+    }
+    if (!m_state.hasAccount()) {
+        m_err << u"Es ist kein App Store Connect Account konfiguriert.\n"_s;
+        co_return 1;
+    }
+    const QString query = args.positional.first();
+    const auto app = co_await findApp(query);
+    if (!app) {
+        m_err << (m_state.appsError() ? *m_state.appsError()
+                                      : u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query))
+              << u'\n';
+        co_return 1;
+    }
+    MetadataViewModel model(m_state, *app);
+    co_await model.load(false);
+    if (model.loadError()) {
+        m_err << *model.loadError() << u'\n';
+        co_return 1;
+    }
+    QList<ManagedLocalization> chosen = model.localizations();
+    if (!locale.isEmpty()) {
+        chosen.removeIf([&](const ManagedLocalization& l) { return l.locale != locale; });
+        if (chosen.isEmpty()) {
+            m_err << u"Die Sprache „%1“ gibt es für diese App nicht.\n"_s.arg(locale);
+            co_return 1;
+        }
+    }
+    const bool json = args.flags.contains(u"--json"_s);
+
+    if (sub == u"show"_s) {
+        if (json) {
+            QJsonArray list;
+            for (const auto& l : chosen) {
+                list.append(localizationJson(l));
+            }
+            m_out << jsonText(QJsonObject{{u"app"_s, QJsonObject{{u"id"_s, app->id}, {u"name"_s, app->name}}},
+                                          {u"version"_s, model.editableVersionText()},
+                                          {u"state"_s, model.versionStateName()},
+                                          {u"localizations"_s, list}})
+                  << u'\n';
+            co_return 0;
+        }
+        m_out << app->name << u" – Version "_s << model.editableVersionText() << u" ("_s
+              << model.versionStateName() << u")\n"_s;
+        for (const auto& l : chosen) {
+            m_out << u"\n== "_s << l.locale << u" · "_s << AppStoreLocales::displayName(l.locale)
+                  << u" ==\n"_s;
+            for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+                const QString text = MetadataViewModel::fieldText(l, key).value_or(QString());
+                if (!text.isEmpty()) {
+                    m_out << label << u": "_s << text << u'\n';
+                }
+            }
+        }
+        co_return 0;
+    }
+
+    if (sub == u"check"_s) {
+        bool blocking = false;
+        QJsonArray out;
+        const MetadataValidator::Context context{app->name, model.isFirstVersion()};
+        const auto across = MetadataValidator::validateAcrossLocales(model.localizations());
+        for (const auto& l : chosen) {
+            QList<MetadataFinding> findings = MetadataValidator::validate(l, context).findings;
+            for (const auto& f : across) {
+                if (f.locale == l.locale) {
+                    findings.append(f);
+                }
+            }
+            QJsonArray rows;
+            if (!json) {
+                m_out << l.locale << u" · "_s << AppStoreLocales::displayName(l.locale) << u'\n';
+                if (findings.isEmpty()) {
+                    m_out << u"  keine Befunde\n"_s;
+                }
+            }
+            for (const auto& f : findings) {
+                const bool blocks = f.severity == ReleaseCheckSeverity::Confirmed;
+                blocking = blocking || blocks;
+                if (json) {
+                    rows.append(QJsonObject{{u"rule"_s, f.rule},
+                                            {u"field"_s, MetadataFields::rawValue(f.field)},
+                                            {u"severity"_s, ReleaseCheckSeverities::rawValue(f.severity)},
+                                            {u"blocking"_s, blocks},
+                                            {u"title"_s, f.title},
+                                            {u"explanation"_s, f.explanation}});
+                } else {
+                    m_out << u"  ["_s << severityText(f.severity) << u"] "_s << f.title;
+                    if (!f.explanation.isEmpty()) {
+                        m_out << u" – "_s << f.explanation;
+                    }
+                    m_out << u'\n';
+                }
+            }
+            if (json) {
+                out.append(QJsonObject{{u"locale"_s, l.locale}, {u"findings"_s, rows}});
+            }
+        }
+        if (json) {
+            m_out << jsonText(out) << u'\n';
+        }
+        co_return blocking ? 1 : 0;
+    }
+
+    // set: the change field by field, as the save would send it.
+    model.selectLocale(locale);
+    const ManagedLocalization saved = chosen.first();
+    ManagedLocalization edited = model.editBuffer().value_or(saved);
+    for (const auto& [key, value] : assignments) {
+        model.setField(key, value);
+    }
+    edited = model.editBuffer().value_or(edited);
+    bool anyChange = false;
+    for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+        const QString before = MetadataViewModel::fieldText(saved, key).value_or(QString());
+        const QString after = MetadataViewModel::fieldText(edited, key).value_or(QString());
+        const FieldUpdate update = FieldUpdate::between(before, after);
+        if (update.kind() == FieldUpdate::Kind::Unchanged) {
+            continue;
+        }
+        anyChange = true;
+        m_out << label << u": „"_s << before << u"“ → "_s
+              << (update.kind() == FieldUpdate::Kind::Cleared ? u"(wird geleert)"_s : u"„"_s + after + u"“"_s)
+              << u'\n';
+    }
+    if (!anyChange) {
+        m_out << u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht.\n"_s;
+        co_return 0;
+    }
+    if (!args.flags.contains(u"--yes"_s)) {
+        m_out << u"Nichts gesendet. Mit --yes wird die Änderung an App Store Connect geschickt.\n"_s;
+        co_return 0;
+    }
+    co_await model.save();
+    if (model.saveError()) {
+        m_err << *model.saveError() << u'\n';
+        co_return 1;
+    }
+    m_out << u"Gespeichert. App Store Connect hat alle Felder übernommen.\n"_s;
+    co_return 0;
 }

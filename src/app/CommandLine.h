@@ -1,6 +1,8 @@
 #pragma once
 
+#include "workspace/ManagedApp.h"
 #include <QCoro/QCoroTask>
+
 #include <QStringList>
 
 class AppState;
@@ -27,6 +29,8 @@ private:
     int accountsList(const QStringList& arguments);
     QCoro::Task<int> apps(QStringList arguments);
     int auditLog(const QStringList& arguments);
+    QCoro::Task<int> metadata(QStringList arguments);
+    QCoro::Task<std::optional<ManagedApp>> findApp(QString query);
     int usage(const QString& message);
 
     AppState& m_state;

@@ -64,6 +64,24 @@ const QList<MetadataViewModel::FieldSpec>& MetadataViewModel::fieldSpecs() {
     return specs;
 }
 
+QList<QPair<QString, QString>> MetadataViewModel::fieldKeysAndLabels() {
+    QList<QPair<QString, QString>> result;
+    for (const auto& spec : fieldSpecs()) {
+        result.append({spec.key, spec.label});
+    }
+    return result;
+}
+
+std::optional<QString> MetadataViewModel::fieldText(const ManagedLocalization& localization,
+                                                    const QString& key) {
+    for (const auto& spec : fieldSpecs()) {
+        if (spec.key == key) {
+            return localization.*spec.member;
+        }
+    }
+    return std::nullopt;
+}
+
 bool MetadataViewModel::isFullyEditable(const ASCAppStoreVersionState& state) {
     using S = ASCAppStoreVersionState::Case;
     switch (state.value()) {

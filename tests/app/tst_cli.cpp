@@ -78,6 +78,48 @@ class CliTest : public QObject {
         QVERIFY2(!text.contains(u"eyJ"_s), where); // the start of every token
     }
 
+    // Apple's side for one app with one version and two languages.
+    void scriptStoreTexts(bool keepDescription = false) {
+        m_server->script(
+            "GET", u"/v1/apps"_s,
+            {TestServer::Reply::json(
+                200,
+                R"({"data":[{"type":"apps","id":"7","attributes":{"name":"Nordlicht Journal","primaryLocale":"de-DE"}}]})")});
+        m_server->script(
+            "GET", u"/v1/apps/7/appStoreVersions"_s,
+            {TestServer::Reply::json(200, R"({"data":[{"type":"appStoreVersions","id":"v1","attributes":{
+                            "versionString":"2.0","appStoreState":"PREPARE_FOR_SUBMISSION","createdDate":"2026-01-10T10:00:00Z"}}]})")});
+        m_server->script("GET", u"/v1/apps/7/appInfos"_s,
+                         {TestServer::Reply::json(200, R"({"data":[{"type":"appInfos","id":"i1"}]})")});
+        m_server->script("GET", u"/v1/appInfos/i1/appInfoLocalizations"_s,
+                         {TestServer::Reply::json(200, R"({"data":[
+                            {"type":"appInfoLocalizations","id":"ai-de","attributes":{"locale":"de-DE","name":"Nordlicht"}},
+                            {"type":"appInfoLocalizations","id":"ai-en","attributes":{"locale":"en-US","name":"Northern Light"}}]})")});
+        const QByteArray versionSide = R"({"data":[
+            {"type":"appStoreVersionLocalizations","id":"vl-de","attributes":{"locale":"de-DE","description":"Alt","keywords":"a,b"}},
+            {"type":"appStoreVersionLocalizations","id":"vl-en","attributes":{"locale":"en-US","description":"Old"}}]})";
+        m_server->script("GET", u"/v1/appStoreVersions/v1/appStoreVersionLocalizations"_s,
+                         {TestServer::Reply::json(200, versionSide)});
+        m_server->route(
+            "PATCH", u"/v1/appStoreVersionLocalizations/vl-de"_s,
+            [this, keepDescription, versionSide](const TestServer::Request& request) {
+                if (!keepDescription) {
+                    QByteArray after = versionSide;
+                    after.replace("\"Alt\"", QJsonDocument::fromJson(request.body)
+                                                 .object()[u"data"_s]
+                                                 .toObject()[u"attributes"_s]
+                                                 .toObject()[u"description"_s]
+                                                 .toString()
+                                                 .toUtf8()
+                                                 .prepend('"')
+                                                 .append('"'));
+                    m_server->script("GET", u"/v1/appStoreVersions/v1/appStoreVersionLocalizations"_s,
+                                     {TestServer::Reply::json(200, after)});
+                }
+                return TestServer::Reply::json(200, "{}"_ba, {{"X-Apple-Request-Id", "REQ-META"}});
+            });
+    }
+
 private Q_SLOTS:
     void init() {
         m_home = std::make_unique<QTemporaryDir>();
@@ -177,6 +219,112 @@ private Q_SLOTS:
         const Run result = run({u"apps"_s}, env);
         QCOMPARE(result.exitCode, 2);
         QVERIFY(result.err.contains(u"VARNIS_ISSUER_ID, VARNIS_KEY_ID und VARNIS_KEY_FILE"_s));
+    }
+
+    void metadataShowCheckAndDryRun() {
+        scriptStoreTexts();
+        const Run show =
+            run({u"metadata"_s, u"show"_s, u"nordlicht"_s, u"--locale"_s, u"de-DE"_s, u"--json"_s},
+                environment(true));
+        QCOMPARE(show.exitCode, 0);
+        const QJsonObject doc = QJsonDocument::fromJson(show.out.toUtf8()).object();
+        QCOMPARE(doc[u"version"_s].toString(), u"2.0"_s);
+        QCOMPARE(doc[u"localizations"_s].toArray().size(), 1);
+        QCOMPARE(doc[u"localizations"_s].toArray()[0].toObject()[u"description"_s].toString(), u"Alt"_s);
+
+        // The texts are far from complete: the check blocks.
+        const Run check = run({u"metadata"_s, u"check"_s, u"7"_s}, environment(true));
+        QCOMPARE(check.exitCode, 1);
+        QVERIFY(check.out.contains(u"[blockiert]"_s));
+        QVERIFY(check.out.contains(u"en-US"_s));
+
+        const Run dry = run({u"metadata"_s, u"set"_s, u"Nordlicht"_s, u"--locale"_s, u"de-DE"_s,
+                             u"description=Neu"_s, u"keywords="_s},
+                            environment(true));
+        QCOMPARE(dry.exitCode, 0);
+        QVERIFY2(dry.out.contains(u"Beschreibung: „Alt“ → „Neu“"_s), qPrintable(dry.out));
+        QVERIFY(dry.out.contains(u"Keywords: „a,b“ → (wird geleert)"_s));
+        QVERIFY(dry.out.contains(u"Nichts gesendet."_s));
+        for (const auto& request : m_server->requests()) {
+            QCOMPARE(request.method, "GET"_ba);
+        }
+    }
+
+    void metadataSetSavesAndReportsWhatAppleKept_data() {
+        QTest::addColumn<bool>("keep");
+        QTest::addColumn<int>("status");
+        QTest::newRow("taken") << false << 0;
+        QTest::newRow("kept") << true << 1;
+    }
+
+    void metadataSetSavesAndReportsWhatAppleKept() {
+        QFETCH(bool, keep);
+        QFETCH(int, status);
+        scriptStoreTexts(keep);
+        const QString file = m_home->filePath(u"beschreibung.txt"_s);
+        QFile text(file);
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write("Neue Beschreibung mit Ümlaut");
+        text.close();
+        const Run result = run({u"metadata"_s, u"set"_s, u"nordlicht"_s, u"--locale"_s, u"de-DE"_s,
+                                u"description=@"_s + file, u"--yes"_s},
+                               environment(true));
+        QCOMPARE(result.exitCode, status);
+        if (keep) {
+            QVERIFY2(result.err.contains(u"App Store Connect hat Beschreibung nicht übernommen."_s),
+                     qPrintable(result.err));
+        } else {
+            QVERIFY2(result.out.contains(u"Gespeichert."_s), qPrintable(result.out + result.err));
+        }
+        int patches = 0;
+        for (const auto& request : m_server->requests()) {
+            if (request.method == "PATCH") {
+                ++patches;
+                QVERIFY(request.body.contains("Neue Beschreibung mit \xc3\x9cmlaut"));
+            }
+        }
+        QCOMPARE(patches, 1);
+    }
+
+    void metadataBadInput_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("locale")
+            << QStringList{u"metadata"_s, u"show"_s, u"x"_s, u"--locale"_s, u"deutsch!"_s} << 2
+            << u"„deutsch!“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja)."_s;
+        QTest::newRow("missing file")
+            << QStringList{u"metadata"_s, u"set"_s,   u"x"_s,
+                           u"--locale"_s, u"de-DE"_s, u"description=@/nirgends/datei.txt"_s}
+            << 2 << u"lässt sich nicht lesen"_s;
+        QTest::newRow("unknown field")
+            << QStringList{u"metadata"_s, u"set"_s, u"x"_s, u"--locale"_s, u"de-DE"_s, u"farbe=blau"_s} << 2
+            << u"„farbe=blau“ ist keine Angabe der Form FELD=WERT"_s;
+        QTest::newRow("unknown app") << QStringList{u"metadata"_s, u"show"_s, u"Zebra"_s} << 1
+                                     << u"Keine App mit dem Namen „Zebra“ gefunden."_s;
+    }
+
+    void metadataBadInput() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+        scriptStoreTexts();
+        const Run result = run(arguments, environment(true));
+        QCOMPARE(result.exitCode, status);
+        QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    }
+
+    void metadataFileThatIsNotUtf8() {
+        const QString file = m_home->filePath(u"latin1.txt"_s);
+        QFile text(file);
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write(QByteArray("Gr\xfc" "\xdf" "e"));
+        text.close();
+        const Run result =
+            run({u"metadata"_s, u"set"_s, u"x"_s, u"--locale"_s, u"de-DE"_s, u"description=@"_s + file},
+                environment(true));
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.err.contains(u"ist kein UTF-8-Text."_s));
     }
 
     void emptyChangeLogAsJson() {
