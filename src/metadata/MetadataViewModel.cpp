@@ -66,17 +66,17 @@ const QList<MetadataViewModel::FieldSpec>& MetadataViewModel::fieldSpecs() {
 
 QList<QPair<QString, QString>> MetadataViewModel::fieldKeysAndLabels() {
     QList<QPair<QString, QString>> result;
-    for (const auto& spec : fieldSpecs()) {
-        result.append({spec.key, spec.label});
+    for (const auto& entry : fieldSpecs()) {
+        result.append({entry.key, entry.label});
     }
     return result;
 }
 
 std::optional<QString> MetadataViewModel::fieldText(const ManagedLocalization& localization,
                                                     const QString& key) {
-    for (const auto& spec : fieldSpecs()) {
-        if (spec.key == key) {
-            return localization.*spec.member;
+    for (const auto& entry : fieldSpecs()) {
+        if (entry.key == key) {
+            return localization.*entry.member;
         }
     }
     return std::nullopt;
@@ -252,13 +252,13 @@ void MetadataViewModel::setField(const QString& key, const QString& text) {
     if (!m_editBuffer) {
         return;
     }
-    for (const auto& spec : fieldSpecs()) {
-        if (spec.key == key) {
-            if ((*m_editBuffer).*spec.member == text) {
+    for (const auto& entry : fieldSpecs()) {
+        if (entry.key == key) {
+            if ((*m_editBuffer).*entry.member == text) {
                 return;
             }
             ManagedLocalization edited = *m_editBuffer;
-            edited.*spec.member = text;
+            edited.*entry.member = text;
             editBufferWith(edited);
             return;
         }
@@ -625,27 +625,27 @@ QVariantList MetadataViewModel::fieldRows() const {
     }
     const auto result = validation();
     const bool restricted = restrictedFieldsHint().has_value();
-    for (const auto& spec : fieldSpecs()) {
-        const QString text = (*m_editBuffer).*spec.member;
-        QVariantMap row{{u"key"_s, spec.key},        {u"label"_s, spec.label},
-                        {u"text"_s, text},           {u"multiline"_s, spec.multiline},
+    for (const auto& entry : fieldSpecs()) {
+        const QString text = (*m_editBuffer).*entry.member;
+        QVariantMap row{{u"key"_s, entry.key},        {u"label"_s, entry.label},
+                        {u"text"_s, text},           {u"multiline"_s, entry.multiline},
                         {u"countText"_s, QString()}, {u"isOverLimit"_s, false}};
         QVariantList findings;
-        if (spec.validated) {
-            if (auto limit = MetadataValidator::characterLimit(*spec.validated)) {
+        if (entry.validated) {
+            if (auto limit = MetadataValidator::characterLimit(*entry.validated)) {
                 const int count = MetadataValidator::characterCount(text);
                 row.insert(u"countText"_s, u"%1/%2"_s.arg(count).arg(*limit));
                 row.insert(u"isOverLimit"_s, count > *limit);
             }
             if (result) {
-                for (const auto& finding : result->findingsFor(*spec.validated)) {
+                for (const auto& finding : result->findingsFor(*entry.validated)) {
                     findings.append(findingRow(finding));
                 }
             }
         }
         // A live or reviewed version takes only some fields; the others are marked in advance.
         const bool versionBound =
-            spec.key == u"description"_s || spec.key == u"keywords"_s || spec.key == u"whatsNew"_s;
+            entry.key == u"description"_s || entry.key == u"keywords"_s || entry.key == u"whatsNew"_s;
         row.insert(u"isRestricted"_s, restricted && versionBound);
         row.insert(u"findings"_s, findings);
         rows.append(row);
