@@ -149,6 +149,7 @@ Item {
             visible: text !== ""
             text: page.model.restoredDraftText
             color: palette.placeholderText
+            elide: Text.ElideRight
         }
         BusyIndicator {
             visible: page.model.isLoading

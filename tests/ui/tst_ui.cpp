@@ -2,6 +2,7 @@
 #include "api/PendingWrite.h"
 #include "api/WriteConfirmationViewModel.h"
 #include "app/UiShell.h"
+#include "metadata/MetadataViewModel.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/FakeTransport.h"
@@ -187,6 +188,40 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(appWindow));
         shoot(appWindow, u"app-window"_s);
         appWindow->close();
+    }
+
+    void demoStoreTextsKeepEditsAcrossLanguages() {
+        start(demoPlatform());
+        m_state->setDemoModeEnabled(true);
+        show();
+        WorkspaceViewModel* workspace = m_shell->workspace();
+        QTRY_COMPARE(workspace->allApps()->count(), 4);
+        workspace->selectApp(workspace->allApps()->index(0).data(AppListModel::AppIdRole).toString());
+        workspace->selectSection(u"appStoreOptimization"_s);
+        MetadataViewModel* metadata = workspace->metadataModel();
+        QVERIFY(metadata);
+        QTRY_COMPARE(metadata->localizations().size(), 2);
+        const QString first = *metadata->selectedLocale();
+        const QString other = metadata->localizations()[0].locale == first
+                                  ? metadata->localizations()[1].locale
+                                  : metadata->localizations()[0].locale;
+        metadata->setField(u"description"_s,
+                           u"Ein neuer Text, der länger als zweihundert Zeichen werden soll."_s);
+        QVERIFY(metadata->hasUnsavedChanges());
+        shoot(m_shell->mainWindow(), u"store-texts-edited"_s);
+
+        metadata->selectLocale(other);
+        metadata->selectLocale(first);
+        QVERIFY(metadata->restoredDraftDate().has_value());
+        QCOMPARE(metadata->editBuffer()->description,
+                 u"Ein neuer Text, der länger als zweihundert Zeichen werden soll."_s);
+
+        // Demo mode sends nothing and says so.
+        QCoro::waitFor(metadata->save());
+        QCOMPARE(
+            metadata->saveError(),
+            std::optional<QString>(u"Im Demo-Modus werden keine Daten an App Store Connect geschickt."_s));
+        shoot(m_shell->mainWindow(), u"store-texts-demo-save"_s);
     }
 
     void emptyStateWithoutAccountAndDemo() {
