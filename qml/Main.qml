@@ -79,13 +79,17 @@ ApplicationWindow {
         ToolSeparator {
             Layout.fillHeight: true
         }
-        SectionSidebar {
+        // Made when an app is first selected, not at start-up.
+        Loader {
             Layout.preferredWidth: 210
             Layout.fillHeight: true
-            visible: workspace.hasSelectedApp
-            sections: workspace.sidebarSections
-            selectedSection: workspace.selectedSection
-            onSectionChosen: raw => workspace.selectSection(raw)
+            active: workspace.hasSelectedApp
+            visible: active
+            sourceComponent: SectionSidebar {
+                sections: workspace.sidebarSections
+                selectedSection: workspace.selectedSection
+                onSectionChosen: raw => workspace.selectSection(raw)
+            }
         }
         ToolSeparator {
             Layout.fillHeight: true
@@ -105,15 +109,20 @@ ApplicationWindow {
         }
     }
 
-    EmptyStatePage {
+    Loader {
         anchors.fill: parent
-        visible: workspace.showsEmptyState
-        onOpenSettings: root.openSettings()
-        onStartDemo: workspace.isDemoModeEnabled = true
-        onShowOnboarding: workspace.isOnboardingPresented = true
+        active: workspace.showsEmptyState
+        sourceComponent: EmptyStatePage {
+            onOpenSettings: root.openSettings()
+            onStartDemo: workspace.isDemoModeEnabled = true
+            onShowOnboarding: workspace.isOnboardingPresented = true
+        }
     }
 
-    footer: TaskCenterBar {}
+    footer: Loader {
+        active: taskList.count > 0
+        sourceComponent: TaskCenterBar {}
+    }
 
     // By address rather than by type, so that not even their files are read before they are needed.
     Loader {

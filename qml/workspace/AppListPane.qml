@@ -11,9 +11,12 @@ Pane {
         anchors.fill: parent
         spacing: 4
 
-        AccountSwitcher {
+        Loader {
             Layout.fillWidth: true
             Layout.margins: 8
+            active: workspace.hasAccount
+            visible: active
+            sourceComponent: AccountSwitcher {}
         }
 
         CheckBox {
