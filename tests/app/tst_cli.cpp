@@ -137,7 +137,7 @@ private Q_SLOTS:
             {"type":"apps","id":"3"}]})";
         m_server->script("GET", u"/v1/apps"_s, {TestServer::Reply::json(200, body)});
         const Run result = run({u"apps"_s, u"--json"_s}, environment(true));
-        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.exitCode == 0, qPrintable(result.err));
         const QJsonArray apps = QJsonDocument::fromJson(result.out.toUtf8()).array();
         QCOMPARE(apps.size(), 3);
         QCOMPARE(apps[0].toObject().value(u"name"_s).toString(), u"Äpfel"_s);
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QFETCH(QString, stderrContains);
         m_server->script("GET", u"/v1/apps"_s, {TestServer::Reply::json(401, "{}"_ba)});
         const Run result = run(arguments, environment(withAccount));
-        QCOMPARE(result.exitCode, status);
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
         QVERIFY2(result.err.contains(stderrContains), qPrintable(result.err));
     }
 
@@ -205,7 +205,7 @@ private Q_SLOTS:
         const Run result = run({u"accounts"_s, u"add"_s, u"--name"_s, u"Studio"_s, u"--issuer-id"_s,
                                 u"not-a-uuid"_s, u"--key-id"_s, u"ABCDE12345"_s, u"--key-file"_s, bogus},
                                environment(false));
-        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.exitCode == 1, qPrintable(result.err));
         QVERIFY(result.err.contains(u"Die Issuer-ID ist eine UUID"_s));
         QVERIFY(result.err.contains(u"Die Datei enthält keinen nutzbaren P-256-Schlüssel."_s));
         QVERIFY(
@@ -217,7 +217,7 @@ private Q_SLOTS:
         QProcessEnvironment env = environment(false);
         env.insert(u"VARNIS_KEY_ID"_s, u"ABCDE12345"_s);
         const Run result = run({u"apps"_s}, env);
-        QCOMPARE(result.exitCode, 2);
+        QVERIFY2(result.exitCode == 2, qPrintable(result.err));
         QVERIFY(result.err.contains(u"VARNIS_ISSUER_ID, VARNIS_KEY_ID und VARNIS_KEY_FILE"_s));
     }
 
@@ -226,7 +226,7 @@ private Q_SLOTS:
         const Run show =
             run({u"metadata"_s, u"show"_s, u"nordlicht"_s, u"--locale"_s, u"de-DE"_s, u"--json"_s},
                 environment(true));
-        QCOMPARE(show.exitCode, 0);
+        QVERIFY2(show.exitCode == 0, qPrintable(show.err));
         const QJsonObject doc = QJsonDocument::fromJson(show.out.toUtf8()).object();
         QCOMPARE(doc[u"version"_s].toString(), u"2.0"_s);
         QCOMPARE(doc[u"localizations"_s].toArray().size(), 1);
@@ -234,14 +234,14 @@ private Q_SLOTS:
 
         // The texts are far from complete: the check blocks.
         const Run check = run({u"metadata"_s, u"check"_s, u"7"_s}, environment(true));
-        QCOMPARE(check.exitCode, 1);
+        QVERIFY2(check.exitCode == 1, qPrintable(check.err));
         QVERIFY(check.out.contains(u"[blockiert]"_s));
         QVERIFY(check.out.contains(u"en-US"_s));
 
         const Run dry = run({u"metadata"_s, u"set"_s, u"Nordlicht"_s, u"--locale"_s, u"de-DE"_s,
                              u"description=Neu"_s, u"keywords="_s},
                             environment(true));
-        QCOMPARE(dry.exitCode, 0);
+        QVERIFY2(dry.exitCode == 0, qPrintable(dry.err));
         QVERIFY2(dry.out.contains(u"Beschreibung: „Alt“ → „Neu“"_s), qPrintable(dry.out));
         QVERIFY(dry.out.contains(u"Keywords: „a,b“ → (wird geleert)"_s));
         QVERIFY(dry.out.contains(u"Nichts gesendet."_s));
@@ -269,7 +269,7 @@ private Q_SLOTS:
         const Run result = run({u"metadata"_s, u"set"_s, u"nordlicht"_s, u"--locale"_s, u"de-DE"_s,
                                 u"description=@"_s + file, u"--yes"_s},
                                environment(true));
-        QCOMPARE(result.exitCode, status);
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
         if (keep) {
             QVERIFY2(result.err.contains(u"App Store Connect hat Beschreibung nicht übernommen."_s),
                      qPrintable(result.err));
@@ -310,7 +310,7 @@ private Q_SLOTS:
         QFETCH(QString, message);
         scriptStoreTexts();
         const Run result = run(arguments, environment(true));
-        QCOMPARE(result.exitCode, status);
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
         QVERIFY2(result.err.contains(message), qPrintable(result.err));
     }
 
@@ -318,18 +318,20 @@ private Q_SLOTS:
         const QString file = m_home->filePath(u"latin1.txt"_s);
         QFile text(file);
         QVERIFY(text.open(QIODevice::WriteOnly));
-        text.write(QByteArray("Gr\xfc" "\xdf" "e"));
+        text.write(QByteArray("Gr\xfc"
+                              "\xdf"
+                              "e"));
         text.close();
         const Run result =
             run({u"metadata"_s, u"set"_s, u"x"_s, u"--locale"_s, u"de-DE"_s, u"description=@"_s + file},
                 environment(true));
-        QCOMPARE(result.exitCode, 2);
+        QVERIFY2(result.exitCode == 2, qPrintable(result.err));
         QVERIFY(result.err.contains(u"ist kein UTF-8-Text."_s));
     }
 
     void emptyChangeLogAsJson() {
         const Run result = run({u"audit-log"_s, u"--json"_s}, environment(false));
-        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.exitCode == 0, qPrintable(result.err));
         QCOMPARE(result.out.trimmed(), u"[\n]"_s);
     }
 };
