@@ -11,7 +11,6 @@
 
 using namespace Qt::StringLiterals;
 
-
 AccountListModel::AccountListModel(AccountStore& store, QObject* parent)
     : QAbstractListModel(parent), m_store(store), m_accounts(store.accounts()),
       m_selectedID(store.selectedAccountID()) {}
@@ -91,7 +90,6 @@ void AccountListModel::sync() {
         Q_EMIT dataChanged(index(row), index(row));
     }
 }
-
 
 AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* parent)
     : QObject(parent), m_state(state), m_store(state.accountStore()),

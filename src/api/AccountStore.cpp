@@ -9,10 +9,12 @@
 #include "platform/Clock.h"
 #include "platform/KeychainError.h"
 #include "platform/SecretStore.h"
+#include "wire/VelmoraAPIError.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
+#include <QPointer>
 #include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
@@ -97,16 +99,26 @@ QCoro::Task<Account> AccountStore::addAccount(QString name, QString issuerID, QS
     account.keyID = std::move(keyID);
     account.createdAt = m_platform.clock->now();
     account.vendorNumber = nilIfBlank(vendorNumber);
-    co_await m_platform.secrets->save(account.idText(), privateKeyPEM);
+    QPointer<AccountStore> self(this);
+    const QString keyName = account.idText();
+    co_await m_platform.secrets->save(keyName, privateKeyPEM);
+    if (!self) {
+        co_return account;
+    }
     m_accounts.append(account);
+    setSelectedAccountID(account.id);
     persist();
     Q_EMIT accountsChanged();
-    setSelectedAccountID(account.id);
     co_return account;
 }
 
 QCoro::Task<> AccountStore::removeAccount(Account account) {
-    co_await m_platform.secrets->remove(account.idText());
+    QPointer<AccountStore> self(this);
+    const QString keyName = account.idText();
+    co_await m_platform.secrets->remove(keyName);
+    if (!self) {
+        co_return;
+    }
     m_accounts.removeIf([&](const Account& a) { return a.id == account.id; });
     if (m_selectedAccountID == account.id) {
         setSelectedAccountID(m_accounts.isEmpty() ? std::nullopt
@@ -132,7 +144,8 @@ QCoro::Task<QByteArray> AccountStore::privateKey(Account account) {
     if (m_ephemeralKey && m_accounts.size() == 1 && m_accounts.first().id == account.id) {
         bytes = *m_ephemeralKey;
     } else {
-        bytes = co_await m_platform.secrets->read(account.idText());
+        const QString keyName = account.idText();
+        bytes = co_await m_platform.secrets->read(keyName);
     }
     auto decoder = QStringDecoder(QStringDecoder::Utf8);
     (void)QString(decoder(bytes));
@@ -168,7 +181,11 @@ AccountStore::makeTestClient(const Platform& platform, const Account& account, c
 }
 
 QCoro::Task<std::shared_ptr<AppStoreConnectClient>> AccountStore::makeClient(Account account) {
+    QPointer<AccountStore> self(this);
     const QByteArray pem = co_await privateKey(account);
+    if (!self) {
+        throw VelmoraAPIError::notConfigured();
+    }
     co_return clientWithKey(account, pem);
 }
 
@@ -188,6 +205,7 @@ std::optional<QString> firstAppID(const QByteArray& body) {
 } // namespace
 
 QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account) {
+    QPointer<AccountStore> self(this);
     AccountCapabilities caps;
     caps.checkedAt = m_platform.clock->now();
     std::shared_ptr<AppStoreConnectClient> client;
@@ -244,6 +262,9 @@ QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account
         }
     }
 
+    if (!self) {
+        co_return caps;
+    }
     if (auto current = this->account(account.id)) {
         current->capabilities = caps;
         updateAccount(*current);

@@ -10,6 +10,8 @@
 
 #include <QLoggingCategory>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 Q_LOGGING_CATEGORY(lcClient, "com.tolsenmark.Velmora.AppStoreConnectClient", QtInfoMsg)
@@ -39,10 +41,11 @@ std::optional<double> parseRetryAfter(const std::optional<QString>& header) {
     }
     bool ok = false;
     const double value = header->trimmed().toDouble(&ok);
-    if (!ok) {
+    // "inf", "nan" and negative waits are no usable answer; an hour is the longest we wait.
+    if (!ok || !std::isfinite(value) || value < 0) {
         return std::nullopt;
     }
-    return value;
+    return std::min(value, 3600.0);
 }
 
 } // namespace

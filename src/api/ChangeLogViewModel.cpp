@@ -8,7 +8,6 @@
 
 using namespace Qt::StringLiterals;
 
-
 int ChangeLogListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(m_entries.size());
 }
@@ -62,7 +61,6 @@ void ChangeLogListModel::setEntries(QList<AuditLog::Entry> entries) {
     m_entries = std::move(entries);
     endResetModel();
 }
-
 
 ChangeLogViewModel::ChangeLogViewModel(std::shared_ptr<AuditLog> log, QObject* parent)
     : QObject(parent), m_log(std::move(log)), m_list(new ChangeLogListModel(this)) {}

@@ -70,8 +70,7 @@ QCoro::Task<> RateLimitGovernor::reserve(RequestPriority priority) {
     }
     const double ratio = double(*m_remaining) / double(*m_limit);
     if (ratio < backgroundFloor) {
-        qCDebug(lcRateLimit, "Hintergrundanfrage abgewiesen, Budget bei %ld %%",
-                long(std::lround(ratio * 100)));
+        qCDebug(lcRateLimit, "Hintergrundanfrage abgewiesen, Budget bei %ld %%", long(ratio * 100));
         throw VelmoraAPIError::rateLimitBudgetExhausted(*m_remaining, *m_limit);
     }
     if (ratio < throttleThreshold) {

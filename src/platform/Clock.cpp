@@ -36,8 +36,18 @@ QDateTime SystemClock::now() const {
     return QDateTime::currentDateTimeUtc();
 }
 
+namespace {
+// A wait in whole milliseconds that a timer can take: never negative, never beyond a day.
+qint64 timerMilliseconds(double seconds) {
+    if (!std::isfinite(seconds) || seconds <= 0) {
+        return 0;
+    }
+    return qint64(std::llround(std::min(seconds, 86400.0) * 1000.0));
+}
+} // namespace
+
 void SystemClock::schedule(double seconds, QObject* context, std::function<void()> callback) {
-    const auto ms = std::chrono::milliseconds(qint64(std::llround(std::max(0.0, seconds) * 1000.0)));
+    const auto ms = std::chrono::milliseconds(timerMilliseconds(seconds));
     if (context) {
         QTimer::singleShot(ms, context, std::move(callback));
     } else {
@@ -53,7 +63,7 @@ QCoro::Task<> ManualClock::sleep(double seconds) {
         co_await Clock::sleep(seconds);
         co_return;
     }
-    m_now = m_now.addMSecs(qint64(std::llround(std::max(0.0, seconds) * 1000.0)));
+    m_now = m_now.addMSecs(timerMilliseconds(seconds));
     // Resume from the event loop rather than inside the caller's stack, as a real timer would.
     co_await SleepAwaiter{nullptr, 0};
 }
@@ -61,7 +71,7 @@ QCoro::Task<> ManualClock::sleep(double seconds) {
 void ManualClock::schedule(double seconds, QObject* context, std::function<void()> callback) {
     // Entries whose context is gone can never fire; drop them so that long runs stay small.
     m_pending.removeIf([](const Pending& p) { return p.hasContext && !p.context; });
-    const qint64 ms = qint64(std::llround(std::max(0.0, seconds) * 1000.0));
+    const qint64 ms = timerMilliseconds(seconds);
     m_pending.append(Pending{m_now.addMSecs(ms), m_nextOrder++, QPointer<QObject>(context),
                              context != nullptr, std::move(callback)});
 }

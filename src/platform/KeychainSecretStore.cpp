@@ -87,6 +87,10 @@ QCoro::Task<QByteArray> KeychainSecretStore::read(QString account) {
     auto job = std::make_unique<QKeychain::ReadPasswordJob>(m_service);
     job->setKey(account);
     co_await runJob(job.get(), false);
+    if (job->binaryData().isEmpty()) {
+        // An entry without bytes is not a key; say so here rather than as a bad signature later.
+        throw KeychainError::unhandled(0);
+    }
     co_return job->binaryData();
 }
 

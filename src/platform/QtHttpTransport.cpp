@@ -73,7 +73,8 @@ bool waitsForConnectivity(QNetworkReply::NetworkError error) {
     }
 }
 
-// Aborts a reply after `timeout` seconds without any transfer progress. Its timer lives no longer
+// Aborts a reply after `timeout` seconds without any transfer progress, or once it has taken
+// `total` seconds in all. Its timer lives no longer
 // than the reply (the reply is the timer's context), so a plain pointer to the clock is enough and
 // no cycle runs through the clock's own list of timers.
 struct InactivityWatch {
@@ -81,16 +82,20 @@ struct InactivityWatch {
     QNetworkReply* reply;
     double timeout;
     QDateTime lastActivity;
+    QDateTime started;
+    double total = 300;
     bool fired = false;
 
     void arm(double seconds, const std::shared_ptr<InactivityWatch>& self) {
         clock->schedule(seconds, reply, [self]() {
-            const double idle = double(self->lastActivity.msecsTo(self->clock->now())) / 1000.0;
-            if (idle >= self->timeout) {
+            const QDateTime now = self->clock->now();
+            const double idle = double(self->lastActivity.msecsTo(now)) / 1000.0;
+            const double elapsed = double(self->started.msecsTo(now)) / 1000.0;
+            if (idle >= self->timeout || elapsed >= self->total) {
                 self->fired = true;
                 self->reply->abort();
             } else {
-                self->arm(self->timeout - idle, self);
+                self->arm(std::min(self->timeout - idle, self->total - elapsed), self);
             }
         });
     }
@@ -105,7 +110,9 @@ QNetworkAccessManager* QtHttpTransport::sharedManager() {
     if (!manager) {
         // Parented to the application so that it goes before the application object does.
         manager = new QNetworkAccessManager(QCoreApplication::instance());
-        manager->setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+        // Redirects are not followed: Qt would carry the Authorization header to wherever the
+        // redirect points. A 3xx comes back to the caller as what it is.
+        manager->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
     }
     return manager;
 }
@@ -126,8 +133,8 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
                 ? sharedManager()->get(req)
                 : sharedManager()->sendCustomRequest(req, request.method, request.body));
 
-        auto watch = std::make_shared<InactivityWatch>(
-            InactivityWatch{m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now()});
+        auto watch = std::make_shared<InactivityWatch>(InactivityWatch{
+            m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now(), m_clock->now()});
         auto touch = [watch]() {
             watch->lastActivity = watch->clock->now();
         };

@@ -25,9 +25,14 @@ AppsService::apps(Account account, std::shared_ptr<AppStoreConnectClient> client
     APIRequest request = APIRequest::get(u"/v1/apps"_s);
     request.queryItems = {{u"limit"_s, QString::number(pageLimit)}, {u"sort"_s, u"name"_s}};
     // A list cut off at the page limit is used as far as it goes.
+    const std::weak_ptr<int> alive = m_alive;
     const auto result = co_await client->sendPagedResult<ASCAppAttributes>(std::move(request), maxPages);
     QList<ManagedApp> apps;
     apps.reserve(result.items.size());
+    if (alive.expired()) {
+        // The service went while the request ran; the answer has nowhere to go.
+        co_return apps;
+    }
     for (const auto& resource : result.items) {
         apps.append(ManagedApp::fromResource(resource.id, resource.attributes));
     }

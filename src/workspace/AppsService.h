@@ -35,4 +35,6 @@ private:
     std::shared_ptr<DiskCache> m_disk;
     std::shared_ptr<Clock> m_clock;
     QHash<QUuid, Entry> m_cache;
+    // Expires with the service, so that a request still running can tell it is gone.
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
 };

@@ -111,6 +111,8 @@ private Q_SLOTS:
         const QString rateText = u"Zu viele Anfragen an App Store Connect. Bitte kurz warten."_s;
         QTest::newRow("429 with Retry-After 7")
             << QList<int>{429, 200} << "7"_ba << QList<double>{7} << QString() << 2;
+        QTest::newRow("429 with an endless Retry-After")
+            << QList<int>{429, 200} << "inf"_ba << QList<double>{2} << QString() << 2;
         QTest::newRow("429 without Retry-After")
             << QList<int>{429, 429, 429, 200} << QByteArray() << QList<double>{2, 4, 6} << QString() << 4;
         QTest::newRow("429 four times, Retry-After not a number")

@@ -180,6 +180,16 @@ private Q_SLOTS:
         QCOMPARE(second.requests().constFirst().queryValue(u"cursor"_s), std::optional<QString>(u"Mg"_s));
     }
 
+    void redirectsAreNotFollowedWithTheToken() {
+        TestServer elsewhere;
+        m_server->script("GET", u"/v1/apps"_s,
+                         {Reply::json(302, "{}"_ba, {{"Location", elsewhere.url(u"/steal"_s).toEncoded()}})});
+        const auto error = failureOf(client()->sendRawData(appsRequest()));
+        QVERIFY(error);
+        QCOMPARE(error->status(), 302);
+        QCOMPARE(elsewhere.requests().size(), 0);
+    }
+
     void successThatIsNotJson() {
         m_server->script("GET", u"/v1/apps"_s,
                          {Reply::json(200, "Wartungsarbeiten"_ba, {{"Content-Type", "text/html"}})});
