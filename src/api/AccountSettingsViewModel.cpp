@@ -337,8 +337,7 @@ QCoro::Task<> AccountSettingsViewModel::removeCurrentAsync() {
     if (next && wasSelected) {
         // The apps on screen belong to the removed account: start over with the one selected now,
         // the same way the account switcher does.
-        store.setSelectedAccountID(std::nullopt);
-        state.selectAccount(*next);
+        state.reloadForSelectedAccount();
     } else {
         // Another account's list may hold the removed one's apps, when all accounts are shown; with
         // no account left this turns to the sample data if the demo switch is on.

@@ -208,6 +208,10 @@ void AppState::selectAccount(const Account& account) {
         return;
     }
     m_accountStore->setSelectedAccountID(account.id);
+    reloadForSelectedAccount();
+}
+
+void AppState::reloadForSelectedAccount() {
     clearSelectedApp();
     setApps({});
     QCoro::connect(loadApps(true), this, [] {});

@@ -65,6 +65,9 @@ public:
     // Lets one run (the command line) list every account without changing the stored preference.
     void setShowsAppsOfAllAccountsOverride(std::optional<bool> value) { m_allAccountsOverride = value; }
     void selectAccount(const Account& account);
+    // Starts over with the account that is selected now (its list replaces whatever is shown),
+    // as selecting it would; for when the selection changed underneath, such as a removal.
+    void reloadForSelectedAccount();
     void selectApp(const ManagedApp& app);
     void clearSelectedApp();
 
