@@ -16,22 +16,16 @@ constexpr std::array<RawValueRow<C>, 4> stateTable{{
 
 ASCPhasedReleaseState ASCPhasedReleaseState::fromRaw(const QString& raw) {
     ASCPhasedReleaseState s;
-    if (auto c = caseForRaw(stateTable, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(stateTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCPhasedReleaseState::raw() const {
-    const auto* row = rowForCase(stateTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(stateTable, m_case, m_unknown);
 }
 
 QString ASCPhasedReleaseState::displayName() const {
-    const auto* row = rowForCase(stateTable, m_case);
-    return row ? row->label.toString() : m_unknown;
+    return labelText(stateTable, m_case, m_unknown);
 }
 
 ASCPhasedReleaseAttributes ASCPhasedReleaseAttributes::fromJson(const JsonReader& r) {

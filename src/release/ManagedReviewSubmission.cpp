@@ -27,37 +27,26 @@ constexpr std::array<RawValueRow<I>, 5> itemTable{{
 
 ASCReviewSubmissionState ASCReviewSubmissionState::fromRaw(const QString& raw) {
     ASCReviewSubmissionState s;
-    if (auto c = caseForRaw(submissionTable, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(submissionTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCReviewSubmissionState::raw() const {
-    const auto* row = rowForCase(submissionTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(submissionTable, m_case, m_unknown);
 }
 
 QString ASCReviewSubmissionState::displayName() const {
-    const auto* row = rowForCase(submissionTable, m_case);
-    return row ? row->label.toString() : m_unknown;
+    return labelText(submissionTable, m_case, m_unknown);
 }
 
 ASCReviewSubmissionItemState ASCReviewSubmissionItemState::fromRaw(const QString& raw) {
     ASCReviewSubmissionItemState s;
-    if (auto c = caseForRaw(itemTable, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(itemTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCReviewSubmissionItemState::raw() const {
-    const auto* row = rowForCase(itemTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(itemTable, m_case, m_unknown);
 }
 
 ASCReviewSubmissionAttributes ASCReviewSubmissionAttributes::fromJson(const JsonReader& r) {

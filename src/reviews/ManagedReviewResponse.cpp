@@ -12,15 +12,10 @@ constexpr std::array<RawValueRow<C>, 2> table{{
 
 ASCReviewResponseState ASCReviewResponseState::fromRaw(const QString& raw) {
     ASCReviewResponseState s;
-    if (auto c = caseForRaw(table, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(table, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCReviewResponseState::raw() const {
-    const auto* row = rowForCase(table, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(table, m_case, m_unknown);
 }

@@ -33,17 +33,12 @@ std::optional<ASCBetaInviteType> ASCBetaInviteTypes::fromRaw(const QString& raw)
 
 ASCBetaTesterState ASCBetaTesterState::fromRaw(const QString& raw) {
     ASCBetaTesterState s;
-    if (auto c = caseForRaw(stateTable, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(stateTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCBetaTesterState::raw() const {
-    const auto* row = rowForCase(stateTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(stateTable, m_case, m_unknown);
 }
 
 QString ManagedBetaTester::displayName() const {

@@ -14,20 +14,14 @@ constexpr std::array<RawValueRow<C>, 4> table{{
 
 ASCAssetDeliveryState ASCAssetDeliveryState::fromRaw(const QString& raw) {
     ASCAssetDeliveryState s;
-    if (auto c = caseForRaw(table, raw)) {
-        s.m_case = *c;
-    } else {
-        s.m_unknown = raw;
-    }
+    assignRaw(table, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCAssetDeliveryState::raw() const {
-    const auto* row = rowForCase(table, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(table, m_case, m_unknown);
 }
 
 QString ASCAssetDeliveryState::label() const {
-    const auto* row = rowForCase(table, m_case);
-    return row ? row->label.toString() : m_unknown;
+    return labelText(table, m_case, m_unknown);
 }

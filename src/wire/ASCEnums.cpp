@@ -1,56 +1,29 @@
 #include "wire/ASCEnums.h"
 
-#include <array>
+#include "wire/RawValueTable.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-template <class Case> struct Row {
-    Case value;
-    QStringView raw;
-    QStringView display;
-};
-
-template <class Case, size_t N>
-Case lookup(const std::array<Row<Case>, N>& table, const QString& raw, bool& found) {
-    for (const auto& row : table) {
-        if (row.raw == raw) {
-            found = true;
-            return row.value;
-        }
-    }
-    found = false;
-    return Case::Unknown;
-}
-
-template <class Case, size_t N> const Row<Case>* find(const std::array<Row<Case>, N>& table, Case value) {
-    for (const auto& row : table) {
-        if (row.value == value) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 using P = ASCPlatform::Case;
-constexpr std::array<Row<P>, 4> platformTable{{
-    {P::Ios, u"IOS", u""},
-    {P::MacOS, u"MAC_OS", u""},
-    {P::TvOS, u"TV_OS", u""},
-    {P::VisionOS, u"VISION_OS", u""},
+constexpr std::array<RawValueRow<P>, 4> platformTable{{
+    {P::Ios, u"IOS"},
+    {P::MacOS, u"MAC_OS"},
+    {P::TvOS, u"TV_OS"},
+    {P::VisionOS, u"VISION_OS"},
 }};
 
 using S = ASCProcessingState::Case;
-constexpr std::array<Row<S>, 4> processingTable{{
-    {S::Processing, u"PROCESSING", u""},
-    {S::Failed, u"FAILED", u""},
-    {S::Invalid, u"INVALID", u""},
-    {S::Valid, u"VALID", u""},
+constexpr std::array<RawValueRow<S>, 4> processingTable{{
+    {S::Processing, u"PROCESSING"},
+    {S::Failed, u"FAILED"},
+    {S::Invalid, u"INVALID"},
+    {S::Valid, u"VALID"},
 }};
 
 using V = ASCAppStoreVersionState::Case;
-constexpr std::array<Row<V>, 20> versionTable{{
+constexpr std::array<RawValueRow<V>, 20> versionTable{{
     {V::Accepted, u"ACCEPTED", u"Akzeptiert"},
     {V::DeveloperRemovedFromSale, u"DEVELOPER_REMOVED_FROM_SALE", u"Vom Verkauf genommen"},
     {V::DeveloperRejected, u"DEVELOPER_REJECTED", u"Vom Entwickler abgelehnt"},
@@ -77,50 +50,34 @@ constexpr std::array<Row<V>, 20> versionTable{{
 
 ASCPlatform ASCPlatform::fromRaw(const QString& raw) {
     ASCPlatform p;
-    bool found = false;
-    p.m_case = lookup(platformTable, raw, found);
-    if (!found) {
-        p.m_unknown = raw;
-    }
+    assignRaw(platformTable, raw, p.m_case, p.m_unknown);
     return p;
 }
 
 QString ASCPlatform::raw() const {
-    const auto* row = find(platformTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(platformTable, m_case, m_unknown);
 }
 
 ASCProcessingState ASCProcessingState::fromRaw(const QString& raw) {
     ASCProcessingState s;
-    bool found = false;
-    s.m_case = lookup(processingTable, raw, found);
-    if (!found) {
-        s.m_unknown = raw;
-    }
+    assignRaw(processingTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCProcessingState::raw() const {
-    const auto* row = find(processingTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(processingTable, m_case, m_unknown);
 }
 
 ASCAppStoreVersionState ASCAppStoreVersionState::fromRaw(const QString& raw) {
     ASCAppStoreVersionState s;
-    bool found = false;
-    s.m_case = lookup(versionTable, raw, found);
-    if (!found) {
-        s.m_unknown = raw;
-    }
+    assignRaw(versionTable, raw, s.m_case, s.m_unknown);
     return s;
 }
 
 QString ASCAppStoreVersionState::raw() const {
-    const auto* row = find(versionTable, m_case);
-    return row ? row->raw.toString() : m_unknown;
+    return rawText(versionTable, m_case, m_unknown);
 }
 
 QString ASCAppStoreVersionState::displayName() const {
-    const auto* row = find(versionTable, m_case);
-    return row ? row->display.toString() : m_unknown;
+    return labelText(versionTable, m_case, m_unknown);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 #include <array>
@@ -32,4 +33,29 @@ const RawValueRow<Case>* rowForCase(const std::array<RawValueRow<Case>, N>& tabl
         }
     }
     return nullptr;
+}
+
+// The three operations every such type needs: read Apple's text into a case (an unknown text is
+// kept as it came), and give back the raw text or the label of a case (an unknown case gives its
+// kept text).
+template <class Case, std::size_t N>
+void assignRaw(const std::array<RawValueRow<Case>, N>& table, const QString& raw, Case& value,
+               QString& unknown) {
+    if (auto known = caseForRaw(table, raw)) {
+        value = *known;
+    } else {
+        unknown = raw;
+    }
+}
+
+template <class Case, std::size_t N>
+QString rawText(const std::array<RawValueRow<Case>, N>& table, Case value, const QString& unknown) {
+    const auto* row = rowForCase(table, value);
+    return row ? row->raw.toString() : unknown;
+}
+
+template <class Case, std::size_t N>
+QString labelText(const std::array<RawValueRow<Case>, N>& table, Case value, const QString& unknown) {
+    const auto* row = rowForCase(table, value);
+    return row ? row->label.toString() : unknown;
 }

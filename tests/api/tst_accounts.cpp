@@ -8,6 +8,7 @@
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -34,24 +35,10 @@ namespace {
 const QString issuer = u"57246542-96fe-1a63-e053-0824d011072a"_s;
 
 // Everything a store needs, on fakes and a temporary folder.
-struct Fixture {
-    QTemporaryDir dir;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
-    std::shared_ptr<FakeTransport> transport = std::make_shared<FakeTransport>();
-    std::shared_ptr<MemorySecretStore> secrets = std::make_shared<MemorySecretStore>();
+struct Fixture : TestPlatform {
     QByteArray pem = makeTestKey().privateKeyPEM;
 
-    QString dataRoot() const { return dir.filePath(u"data"_s); }
     QString accountsFile() const { return platform().paths.accountsFile(); }
-    Platform platform() const {
-        Platform p;
-        p.clock = clock;
-        p.transport = transport;
-        p.secrets = secrets;
-        p.paths = DataPaths::at(dataRoot());
-        p.apiRoot = QUrl(u"https://api.example.test"_s);
-        return p;
-    }
 };
 
 struct Raised {

@@ -15,6 +15,7 @@
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
@@ -39,13 +40,7 @@ const QString unusableKey = u"Die Datei enthält keinen nutzbaren P-256-Schlüss
                             u"„BEGIN PRIVATE KEY“ aus."_s;
 const QString vendorDigitsOnly = u"Vendor-Nummern bestehen nur aus Ziffern."_s;
 
-struct Fixture {
-    QTemporaryDir dir;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
-    std::shared_ptr<FakeTransport> transport = std::make_shared<FakeTransport>();
-    std::shared_ptr<MemorySecretStore> secrets = std::make_shared<MemorySecretStore>();
-    std::shared_ptr<QSettings> settings =
-        std::make_shared<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
+struct Fixture : TestPlatform {
     QByteArray pem = makeTestKey().privateKeyPEM;
     std::unique_ptr<AppState> state;
 
@@ -57,15 +52,6 @@ struct Fixture {
         transport->script("GET", u"/v1/apps"_s, {FakeTransport::Answer::json(200, R"({"data":[]})"_ba)});
     }
 
-    Platform platform() const {
-        Platform p;
-        p.clock = clock;
-        p.transport = transport;
-        p.secrets = secrets;
-        p.paths = DataPaths::at(dir.filePath(u"data"_s));
-        p.apiRoot = QUrl(u"https://api.example.test"_s);
-        return p;
-    }
     AccountStore& store() const { return state->accountStore(); }
 
     Account addAccount(QString name, std::optional<QString> vendor = std::nullopt) {

@@ -5,6 +5,7 @@
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppsService.h"
@@ -23,27 +24,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Fixture {
-    QTemporaryDir dir;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
-    std::shared_ptr<FakeTransport> transport = std::make_shared<FakeTransport>();
-    std::shared_ptr<MemorySecretStore> secrets = std::make_shared<MemorySecretStore>();
-    std::shared_ptr<QSettings> settings =
-        std::make_shared<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
+struct Fixture : TestPlatform {
     QByteArray pem = makeTestKey().privateKeyPEM;
     std::unique_ptr<AppState> state;
 
     Fixture() { state = std::make_unique<AppState>(platform(), AppState::Options{settings}); }
-
-    Platform platform() const {
-        Platform p;
-        p.clock = clock;
-        p.transport = transport;
-        p.secrets = secrets;
-        p.paths = DataPaths::at(dir.filePath(u"data"_s));
-        p.apiRoot = QUrl(u"https://api.example.test"_s);
-        return p;
-    }
 
     Account addAccount(QString name) {
         const QString issuer = u"57246542-96fe-1a63-e053-0824d011072a"_s;
