@@ -20,7 +20,7 @@ ColumnLayout {
         running: visible
     }
     Label {
-        visible: !page.model.isLoading && page.model.versions.length === 0 && page.model.errorMessage === ""
+        visible: !page.model.isLoading && page.model.isEmpty && page.model.errorMessage === ""
         text: page.model.emptyText
         color: palette.placeholderText
     }
@@ -36,25 +36,28 @@ ColumnLayout {
         Accessible.name: "Versionen"
         delegate: ItemDelegate {
             id: version
-            required property var modelData
+            required property string versionString
+            required property string stateName
+            required property string buildText
+            required property string createdText
             width: list.width
-            Accessible.name: "Version " + modelData.versionString + ", " + modelData.stateName + ", " + modelData.buildText
+            Accessible.name: "Version " + versionString + ", " + stateName + ", " + buildText
             contentItem: RowLayout {
                 Label {
-                    text: version.modelData.versionString
+                    text: version.versionString
                     font.bold: true
                     Layout.preferredWidth: 80
                 }
                 Label {
-                    text: version.modelData.stateName
+                    text: version.stateName
                     Layout.preferredWidth: 220
                 }
                 Label {
-                    text: version.modelData.buildText
+                    text: version.buildText
                     Layout.fillWidth: true
                 }
                 Label {
-                    text: version.modelData.createdText
+                    text: version.createdText
                     color: palette.placeholderText
                 }
             }

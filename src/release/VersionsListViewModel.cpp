@@ -2,6 +2,8 @@
 
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
+#include "api/ModelOperation.h"
+#include "api/RowListModel.h"
 #include "platform/Clock.h"
 #include "platform/VarnisError.h"
 #include "release/VersionsService.h"
@@ -9,29 +11,47 @@
 #include "workspace/MockData.h"
 
 #include <QLocale>
-#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QVariantMap row(const VelmoraVersion& version, const std::optional<ManagedBuild>& build) {
+RowListModel::Row row(const VelmoraVersion& version, const std::optional<ManagedBuild>& build) {
     const QString created =
         version.createdDate
             ? QLocale(QLocale::German).toString(version.createdDate->toLocalTime(), u"dd.MM.yyyy"_s)
             : QString();
-    return {{u"id"_s, version.id},
-            {u"versionString"_s, version.versionString},
-            {u"platform"_s, version.platform ? version.platform->raw() : QString()},
-            {u"stateName"_s, version.state.displayName()},
-            {u"createdText"_s, created.isEmpty() ? QString() : u"angelegt am "_s + created},
-            {u"buildText"_s, build ? u"Build "_s + build->buildNumber : u"Kein Build zugeordnet"_s}};
+    return {version.id,
+            version.versionString,
+            version.platform ? version.platform->raw() : QString(),
+            version.state.displayName(),
+            created.isEmpty() ? QString() : u"angelegt am "_s + created,
+            build ? u"Build "_s + build->buildNumber : u"Kein Build zugeordnet"_s};
 }
 
 } // namespace
 
 VersionsListViewModel::VersionsListViewModel(AppState& state, ManagedApp app, QObject* parent)
-    : QObject(parent), m_state(state), m_app(std::move(app)) {}
+    : QObject(parent), m_state(state), m_app(std::move(app)), m_loading(new ModelOperation(this)),
+      m_rows(new RowListModel(
+          {"versionId", "versionString", "platform", "stateName", "createdText", "buildText"}, this)) {
+    connect(m_loading, &ModelOperation::busyChanged, this, &VersionsListViewModel::isLoadingChanged);
+    connect(m_loading, &ModelOperation::errorChanged, this, &VersionsListViewModel::errorMessageChanged);
+    connect(m_rows, &RowListModel::countChanged, this, &VersionsListViewModel::isEmptyChanged);
+}
+
+bool VersionsListViewModel::isLoading() const {
+    return m_loading->isBusy();
+}
+
+QString VersionsListViewModel::errorMessage() const {
+    return m_loading->hasError() ? u"Versionen konnten nicht geladen werden: "_s + m_loading->errorText()
+                                 : QString();
+}
+
+bool VersionsListViewModel::isEmpty() const {
+    return m_rows->count() == 0 && !m_loading->isBusy();
+}
 
 QString VersionsListViewModel::emptyText() const {
     return u"Für diese App gibt es noch keine Version."_s;
@@ -42,54 +62,48 @@ void VersionsListViewModel::startLoad(bool forceRefresh) {
 }
 
 QCoro::Task<> VersionsListViewModel::load(bool forceRefresh) {
-    QPointer<VersionsListViewModel> self(this);
+    auto run = m_loading->start();
     if (m_state.isDemoActive()) {
         const QDateTime now = m_state.platform().clock->now();
         const auto versions = MockData::versions(m_app.id, now);
         const auto builds = MockData::builds(m_app.id, now);
-        m_rows.clear();
+        QList<RowListModel::Row> rows;
         for (qsizetype i = 0; i < versions.size(); ++i) {
-            m_rows.append(
+            rows.append(
                 row(versions[i], i < builds.size() ? std::optional<ManagedBuild>(builds[i]) : std::nullopt));
         }
-        Q_EMIT changed();
+        m_rows->setRows(rows);
+        run.succeed();
         co_return;
     }
     const auto account = m_state.accountStore().selectedAccount();
     if (!account) {
         co_return;
     }
-    m_isLoading = true;
-    m_error.clear();
-    Q_EMIT changed();
     try {
         auto client = co_await m_state.accountStore().makeClient(*account);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         const QString appID = m_app.id;
         const auto versions = co_await m_state.versionsService().versions(appID, client, forceRefresh);
-        if (!self) {
+        if (!run) {
             co_return;
         }
-        QVariantList rows;
+        QList<RowListModel::Row> rows;
         for (const auto& version : versions) {
             const QString versionID = version.id;
             // One small request per version; the service keeps the answers for a minute.
             const auto build =
                 co_await m_state.versionsService().assignedBuild(versionID, client, forceRefresh);
-            if (!self) {
+            if (!run) {
                 co_return;
             }
             rows.append(row(version, build));
         }
-        m_rows = rows;
+        m_rows->setRows(rows);
+        run.succeed();
     } catch (const std::exception& error) {
-        if (!self) {
-            co_return;
-        }
-        m_error = describeError(error);
+        run.fail(error);
     }
-    m_isLoading = false;
-    Q_EMIT changed();
 }

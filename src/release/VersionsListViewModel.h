@@ -4,36 +4,44 @@
 
 #include <QCoro/QCoroTask>
 #include <QObject>
-#include <QVariantList>
 
 class AppState;
+class ModelOperation;
+class RowListModel;
 
 // The "Versionen & Builds" list: every version of the app with its state and the build it
 // carries. Reading only; the guided release comes on top of it.
 class VersionsListViewModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
-    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY changed)
-    Q_PROPERTY(QVariantList versions READ versions NOTIFY changed)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(RowListModel* versions READ versions CONSTANT)
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY isEmptyChanged)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
 public:
+    // The roles of `versions`, in this order.
+    enum Column { Id, VersionString, Platform, StateName, CreatedText, BuildText };
+
     VersionsListViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
 
-    bool isLoading() const { return m_isLoading; }
-    QString errorMessage() const { return m_error; }
-    QVariantList versions() const { return m_rows; }
+    bool isLoading() const;
+    QString errorMessage() const;
+    RowListModel* versions() const { return m_rows; }
+    bool isEmpty() const;
     QString emptyText() const;
 
     QCoro::Task<> load(bool forceRefresh);
     Q_INVOKABLE void startLoad(bool forceRefresh);
+    Q_INVOKABLE void retry() { startLoad(true); }
 
 Q_SIGNALS:
-    void changed();
+    void isLoadingChanged();
+    void errorMessageChanged();
+    void isEmptyChanged();
 
 private:
     AppState& m_state;
     ManagedApp m_app;
-    bool m_isLoading = false;
-    QString m_error;
-    QVariantList m_rows;
+    ModelOperation* m_loading;
+    RowListModel* m_rows;
 };

@@ -3,6 +3,7 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/DiskCache.h"
+#include "api/ModelOperation.h"
 #include "api/PendingWrite.h"
 #include "api/TaskCenter.h"
 #include "metadata/LocalizationsService.h"
@@ -44,7 +45,8 @@ NextTurn nextEventLoopTurn() {
 } // namespace
 
 AppState::AppState(Platform platform, Options options, QObject* parent)
-    : QObject(parent), m_platform(std::move(platform)) {
+    : QObject(parent), m_platform(std::move(platform)), m_appsLoad(new ModelOperation(this)) {
+    connect(m_appsLoad, &ModelOperation::busyChanged, this, &AppState::loadingChanged);
     m_preferences = std::make_unique<AppPreferencesStore>(options.settings);
     m_appsService = std::make_unique<AppsService>(
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
@@ -122,37 +124,34 @@ void AppState::setApps(QList<ManagedApp> apps) {
     Q_EMIT appsChanged();
 }
 
-void AppState::setLoading(bool loading) {
-    if (m_isLoadingApps == loading) {
-        return;
-    }
-    m_isLoadingApps = loading;
-    Q_EMIT loadingChanged();
+bool AppState::isLoadingApps() const {
+    return m_appsLoad->isBusy();
 }
 
 QCoro::Task<> AppState::loadApps(bool forceRefresh) {
-    QPointer<AppState> self(this);
-    if (isDemoActive()) {
-        setApps(MockData::apps());
-        m_appsAreSamples = true;
-        co_return;
-    }
+    // Every load supersedes the one before: whatever that one still brings back belongs to a
+    // selection that is gone.
     const auto selected = m_accountStore->selectedAccount();
-    if (!selected) {
+    if (isDemoActive() || !selected) {
+        m_appsLoad->abandon();
+        if (isDemoActive()) {
+            setApps(MockData::apps());
+            m_appsAreSamples = true;
+        }
         co_return;
     }
+    auto run = m_appsLoad->start();
     if (m_apps.isEmpty()) {
         if (auto cached = m_appsService->disk().loadList<ManagedApp>(AppsService::diskKey(selected->id))) {
             m_appsFromCacheAge = m_appsService->disk().ageDescription(cached->storedAt);
             setApps(std::move(cached->value));
             // Let the stored list reach the screen before the network is asked.
             co_await nextEventLoopTurn();
-            if (!self) {
+            if (!run) {
                 co_return;
             }
         }
     }
-    setLoading(true);
     m_appsError.reset();
     Q_EMIT appsChanged();
 
@@ -164,11 +163,11 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
     for (const Account& account : accounts) {
         try {
             auto client = co_await m_accountStore->makeClient(account);
-            if (!self) {
+            if (!run) {
                 co_return;
             }
             auto apps = co_await m_appsService->apps(account, client, forceRefresh);
-            if (!self) {
+            if (!run) {
                 co_return;
             }
             for (auto& app : apps) {
@@ -179,7 +178,7 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
             }
             collected.append(std::move(apps));
         } catch (const std::exception& error) {
-            if (!self) {
+            if (!run) {
                 co_return;
             }
             failures.append(account.name + u": "_s + describeError(error));
@@ -200,7 +199,7 @@ QCoro::Task<> AppState::loadApps(bool forceRefresh) {
         m_appsError = failures.isEmpty() ? std::nullopt : std::optional<QString>(failures.first());
         Q_EMIT appsChanged();
     }
-    setLoading(false);
+    run.succeed();
 }
 
 void AppState::selectAccount(const Account& account) {

@@ -12,6 +12,7 @@
 #include <optional>
 
 class AccountStore;
+class ModelOperation;
 class AppPreferencesStore;
 class AppsService;
 class QSettings;
@@ -45,7 +46,7 @@ public:
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
-    bool isLoadingApps() const { return m_isLoadingApps; }
+    bool isLoadingApps() const;
     const std::optional<QString>& appsError() const { return m_appsError; }
     const std::optional<QString>& appsFromCacheAge() const { return m_appsFromCacheAge; }
     const std::optional<ManagedApp>& selectedApp() const { return m_selectedApp; }
@@ -104,7 +105,6 @@ Q_SIGNALS:
 private:
     void setApps(QList<ManagedApp> apps);
     void dropSamplesUnlessDemo();
-    void setLoading(bool loading);
     std::optional<ManagedApp> findApp(const QString& id) const;
 
     Platform m_platform;
@@ -117,7 +117,8 @@ private:
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;
-    bool m_isLoadingApps = false;
+    // A load for an account that is no longer selected drops its answer.
+    ModelOperation* m_appsLoad;
     std::optional<QString> m_appsError;
     std::optional<QString> m_appsFromCacheAge;
     std::optional<ManagedApp> m_selectedApp;
