@@ -1,4 +1,14 @@
-varnis_add_test(NAME tst_ui LABEL ui SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_ui.cpp)
-target_link_libraries(tst_ui PRIVATE varnis_ui)
-target_compile_definitions(tst_ui PRIVATE VARNIS_SCREENSHOT_DIR="${CMAKE_BINARY_DIR}/screenshots")
-set_property(TEST tst_ui APPEND PROPERTY ENVIRONMENT "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp")
+# Window tests: the real screens, offscreen, driven by input events.
+add_library(varnis_ui_fixture STATIC ${CMAKE_CURRENT_LIST_DIR}/UiFixture.cpp ${CMAKE_CURRENT_LIST_DIR}/UiFixture.h)
+target_link_libraries(varnis_ui_fixture PUBLIC varnis_test_support varnis_ui)
+target_compile_options(varnis_ui_fixture PRIVATE ${VARNIS_WARNINGS})
+target_compile_definitions(varnis_ui_fixture PUBLIC VARNIS_SCREENSHOT_DIR="${CMAKE_BINARY_DIR}/screenshots")
+
+function(varnis_add_ui_test name)
+  varnis_add_test(NAME ${name} LABEL ui SOURCES ${ARGN})
+  target_link_libraries(${name} PRIVATE varnis_ui_fixture)
+  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+               "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/lsan.supp")
+endfunction()
+
+varnis_add_ui_test(tst_ui ${CMAKE_CURRENT_LIST_DIR}/tst_ui.cpp)

@@ -1,3 +1,5 @@
+#include "UiFixture.h"
+
 #include "api/AccountStore.h"
 #include "api/PendingWrite.h"
 #include "api/WriteConfirmationViewModel.h"
@@ -5,6 +7,7 @@
 #include "metadata/MetadataViewModel.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
+#include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
@@ -24,84 +27,17 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// Every warning and error from QML fails the test: a binding to a missing property is a bug
-// that would otherwise only show as an empty label.
-QStringList qmlProblems;
-QtMessageHandler previousHandler = nullptr;
-
-void collectQmlProblems(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    const bool fromQml = QByteArrayView(context.category ? context.category : "").startsWith("qml") ||
-                         QByteArrayView(context.category ? context.category : "").startsWith("js") ||
-                         message.contains(u"qrc:/qml"_s) || message.contains(u".qml"_s);
-    if (type != QtDebugMsg && type != QtInfoMsg && fromQml) {
-        qmlProblems.append(message);
-    }
-    previousHandler(type, context, message);
-}
-
-} // namespace
-
-class UiTest : public QObject {
+class UiTest : public UiFixture {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<AppState> m_state;
-    std::unique_ptr<QQmlApplicationEngine> m_engine;
-    std::unique_ptr<UiShell> m_shell;
     std::unique_ptr<TestServer> m_server;
 
-    void start(Platform platform) {
-        m_state = std::make_unique<AppState>(std::move(platform),
-                                             AppState::Options{std::make_shared<QSettings>(
-                                                 m_dir->filePath(u"settings.ini"_s), QSettings::IniFormat)});
-    }
-
-    void show() {
-        m_engine = std::make_unique<QQmlApplicationEngine>();
-        m_shell = std::make_unique<UiShell>(*m_state, *m_engine);
-        QVERIFY(m_shell->load());
-        m_shell->start();
-        QVERIFY(QTest::qWaitForWindowExposed(m_shell->mainWindow()));
-    }
-
-    void shoot(QQuickWindow* window, const QString& name) {
-        QVERIFY(window);
-        QCoreApplication::processEvents();
-        const QImage image = window->grabWindow();
-        QVERIFY2(!image.isNull(), qPrintable(name));
-        QDir().mkpath(QStringLiteral(VARNIS_SCREENSHOT_DIR));
-        QVERIFY(image.save(QStringLiteral(VARNIS_SCREENSHOT_DIR) + u'/' + name + u".png"_s));
-    }
-
-    Platform demoPlatform() {
-        Platform platform;
-        platform.clock = std::make_shared<ManualClock>();
-        platform.transport = std::make_shared<FakeTransport>();
-        platform.secrets = std::make_shared<MemorySecretStore>();
-        platform.paths = DataPaths::at(m_dir->filePath(u"data"_s));
-        platform.apiRoot = QUrl(u"https://api.example.test"_s);
-        return platform;
-    }
-
 private Q_SLOTS:
-    void initTestCase() {
-        QQuickStyle::setStyle(u"Fusion"_s);
-        previousHandler = qInstallMessageHandler(collectQmlProblems);
-    }
-
-    void init() {
-        qmlProblems.clear();
-        m_dir = std::make_unique<QTemporaryDir>();
-    }
-
+    void initTestCase() { installMessageHandler(); }
+    void init() { initFixture(); }
     void cleanup() {
-        m_shell.reset();
-        m_engine.reset();
-        m_state.reset();
+        cleanupFixture();
         m_server.reset();
-        QVERIFY2(qmlProblems.isEmpty(), qPrintable(qmlProblems.join(u'\n')));
     }
 
     void demoModeShowsEveryScreen() {
@@ -217,7 +153,7 @@ private Q_SLOTS:
                  u"Ein neuer Text, der länger als zweihundert Zeichen werden soll."_s);
 
         // Demo mode sends nothing and says so.
-        QCoro::waitFor(metadata->save());
+        VarnisTest::awaitTask(metadata->save());
         QCOMPARE(
             metadata->saveError(),
             std::optional<QString>(u"Im Demo-Modus werden keine Daten an App Store Connect geschickt."_s));

@@ -1,0 +1,162 @@
+#include "UiFixture.h"
+
+#include "platform/Clock.h"
+#include "support/FakeTransport.h"
+#include "support/MemorySecretStore.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QQuickStyle>
+#include <QSettings>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QtMessageHandler previousHandler = nullptr;
+
+void collectQmlProblems(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    const QByteArrayView category(context.category ? context.category : "");
+    const bool fromQml = category.startsWith("qml") || category.startsWith("js") ||
+                         message.contains(u"qrc:/"_s) || message.contains(u".qml"_s);
+    if (type != QtDebugMsg && type != QtInfoMsg && fromQml) {
+        UiFixture::qmlProblems().append(message);
+    }
+    if (previousHandler) {
+        previousHandler(type, context, message);
+    }
+}
+
+} // namespace
+
+QStringList& UiFixture::qmlProblems() {
+    static QStringList problems;
+    return problems;
+}
+
+void UiFixture::installMessageHandler() {
+    QQuickStyle::setStyle(u"Fusion"_s);
+    previousHandler = qInstallMessageHandler(collectQmlProblems);
+}
+
+void UiFixture::initFixture() {
+    qmlProblems().clear();
+    m_dir = std::make_unique<QTemporaryDir>();
+}
+
+void UiFixture::cleanupFixture() {
+    m_shell.reset();
+    m_engine.reset();
+    m_state.reset();
+    QVERIFY2(qmlProblems().isEmpty(), qPrintable(qmlProblems().join(u'\n')));
+}
+
+Platform UiFixture::demoPlatform() const {
+    Platform platform;
+    platform.clock = std::make_shared<ManualClock>();
+    platform.transport = std::make_shared<FakeTransport>();
+    platform.secrets = std::make_shared<MemorySecretStore>();
+    platform.paths = DataPaths::at(m_dir->filePath(u"data"_s));
+    platform.apiRoot = QUrl(u"https://api.example.test"_s);
+    return platform;
+}
+
+void UiFixture::start(Platform platform) {
+    m_state = std::make_unique<AppState>(
+        std::move(platform), AppState::Options{std::make_shared<QSettings>(m_dir->filePath(u"settings.ini"_s),
+                                                                           QSettings::IniFormat)});
+}
+
+void UiFixture::startDemo() {
+    start(demoPlatform());
+    m_state->setDemoModeEnabled(true);
+    show();
+}
+
+void UiFixture::show() {
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_shell = std::make_unique<UiShell>(*m_state, *m_engine);
+    QVERIFY(m_shell->load());
+    m_shell->start();
+    QVERIFY(QTest::qWaitForWindowExposed(m_shell->mainWindow()));
+    activate(m_shell->mainWindow());
+}
+
+void UiFixture::activate(QQuickWindow* window) {
+    window->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+}
+
+void UiFixture::shoot(QQuickWindow* window, const QString& name) {
+    QVERIFY(window);
+    QCoreApplication::processEvents();
+    const QImage image = window->grabWindow();
+    QVERIFY2(!image.isNull(), qPrintable(name));
+    QDir().mkpath(QStringLiteral(VARNIS_SCREENSHOT_DIR));
+    QVERIFY(image.save(QStringLiteral(VARNIS_SCREENSHOT_DIR) + u'/' + name + u".png"_s));
+}
+
+QQuickWindow* UiFixture::topLevel(const QString& objectName) {
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->objectName() == objectName && window->isVisible()) {
+            return qobject_cast<QQuickWindow*>(window);
+        }
+    }
+    return nullptr;
+}
+
+namespace {
+QQuickItem* visibleChild(QQuickItem* root, const QString& objectName) {
+    const auto candidates = root->findChildren<QQuickItem*>(objectName);
+    for (QQuickItem* item : candidates) {
+        if (item->isVisible() && item->width() > 0 && item->height() > 0) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+} // namespace
+
+QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName) {
+    QQuickItem* found = nullptr;
+    // Popups and sheets live on the overlay, which is a child of the content item as well.
+    (void)QTest::qWaitFor([&] {
+        found = visibleChild(window->contentItem(), objectName);
+        return found != nullptr;
+    });
+    return found;
+}
+
+void UiFixture::click(QQuickItem* item, Qt::KeyboardModifiers modifiers) {
+    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(item->window(), Qt::LeftButton, modifiers, centre.toPoint());
+}
+
+bool UiFixture::clickNamed(QQuickWindow* window, const QString& objectName) {
+    QQuickItem* item = findItem(window, objectName);
+    if (!item) {
+        qWarning("no visible item named %s", qPrintable(objectName));
+        return false;
+    }
+    click(item);
+    return true;
+}
+
+bool UiFixture::clickRow(QQuickWindow* window, const QString& listName, int row) {
+    QQuickItem* list = findItem(window, listName);
+    if (!list) {
+        qWarning("no visible list named %s", qPrintable(listName));
+        return false;
+    }
+    QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0 /* Beginning */));
+    QCoreApplication::processEvents();
+    QQuickItem* delegate = nullptr;
+    QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, delegate), Q_ARG(int, row));
+    if (!delegate) {
+        qWarning("row %d of %s is not on screen", row, qPrintable(listName));
+        return false;
+    }
+    click(delegate);
+    return true;
+}
