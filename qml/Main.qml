@@ -86,8 +86,7 @@ ApplicationWindow {
             active: workspace.hasSelectedApp
             visible: active
             sourceComponent: SectionSidebar {
-                sections: workspace.sidebarSections
-                selectedSection: workspace.selectedSection
+                host: workspace.sections
                 onSectionChosen: raw => workspace.selectSection(raw)
             }
         }
@@ -98,14 +97,7 @@ ApplicationWindow {
         SectionContent {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            hasApp: workspace.hasSelectedApp
-            title: workspace.selectedSectionTitle
-            isBuilt: workspace.isSectionBuilt
-            emptyText: workspace.emptySectionText
-            overviewRows: workspace.overviewRows
-            section: workspace.selectedSection
-            metadata: workspace.metadata
-            versionsList: workspace.versionsList
+            host: workspace.sections
         }
     }
 
@@ -139,7 +131,7 @@ ApplicationWindow {
 
     Loader {
         active: writeConfirmation.isPresented
-        source: "api/WriteConfirmationSheet.qml"
+        Component.onCompleted: setSource("api/WriteConfirmationSheet.qml", { "model": writeConfirmation })
     }
 
     Loader {

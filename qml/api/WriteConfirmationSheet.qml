@@ -6,7 +6,7 @@ import QtQuick.Layouts
 Dialog {
     id: sheet
     objectName: "writeConfirmationSheet"
-    property var model: writeConfirmation
+    required property var model
     modal: true
     parent: Overlay.overlay
     anchors.centerIn: Overlay.overlay
@@ -66,6 +66,7 @@ Dialog {
 
     footer: DialogButtonBox {
         Button {
+            objectName: "cancelWriteButton"
             text: "Abbrechen"
             DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
         }

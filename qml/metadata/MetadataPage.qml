@@ -71,6 +71,7 @@ Item {
                 onClicked: page.model.beginAddingLanguage()
             }
             Button {
+                objectName: "removeLanguageButton"
                 text: "Entfernen …"
                 enabled: page.model.selectedLocale !== "" && !page.model.isChangingLanguages
                 onClicked: page.model.requestDeleteLanguage(page.model.selectedLocale)

@@ -58,7 +58,7 @@ Pane {
                         leftPadding: 10
                         topPadding: 8
                         bottomPadding: 2
-                        text: workspace.isLoadingApps ? "Alle Apps – wird geladen …" : "Alle Apps"
+                        text: workspace.allAppsTitle
                         font.bold: true
                         color: palette.placeholderText
                     }

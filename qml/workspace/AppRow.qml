@@ -11,16 +11,18 @@ Rectangle {
     required property bool isSelected
 
     implicitHeight: 40
-    color: isSelected ? palette.highlight : (hover.hovered ? palette.alternateBase : "transparent")
+    color: isSelected ? palette.highlight : (area.containsMouse ? palette.alternateBase : "transparent")
     Accessible.role: Accessible.ListItem
     Accessible.name: name + ", " + subtitle
     Accessible.selected: isSelected
 
-    HoverHandler {
-        id: hover
-    }
-    TapHandler {
-        onTapped: workspace.selectApp(row.appId)
+    // Mouse areas rather than tap handlers: the star's own area takes its click, so that
+    // marking a favourite does not also select the app.
+    MouseArea {
+        id: area
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: workspace.selectApp(row.appId)
     }
 
     Column {
@@ -54,8 +56,11 @@ Rectangle {
         font.pixelSize: 15
         Accessible.role: Accessible.Button
         Accessible.name: row.isFavorite ? "Aus Favoriten entfernen" : "Zu Favoriten hinzufügen"
-        TapHandler {
-            onTapped: workspace.toggleFavorite(row.appId)
+        MouseArea {
+            objectName: "favoriteStar"
+            anchors.fill: parent
+            anchors.margins: -6
+            onClicked: workspace.toggleFavorite(row.appId)
         }
     }
 }

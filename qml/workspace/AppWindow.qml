@@ -1,8 +1,9 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import "../api"
 
-// One app in a window of its own.
+// One app in a window of its own, with its own sections and its own write-confirmation sheet.
 ApplicationWindow {
     id: window
     objectName: "appWindow"
@@ -14,15 +15,18 @@ ApplicationWindow {
     visible: true
     title: model.windowTitle
 
+    SectionShortcuts {
+        onSectionRequested: position => window.model.goToSection(position)
+    }
+
     RowLayout {
         anchors.fill: parent
         spacing: 0
         SectionSidebar {
             Layout.preferredWidth: 210
             Layout.fillHeight: true
-            sections: window.model.sections
-            selectedSection: window.model.selectedSection
-            onSectionChosen: raw => window.model.selectedSection = raw
+            host: window.model.sections
+            onSectionChosen: raw => window.model.selectSection(raw)
         }
         ToolSeparator {
             Layout.fillHeight: true
@@ -30,14 +34,14 @@ ApplicationWindow {
         SectionContent {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            hasApp: window.model.hasApp
-            title: window.model.selectedSectionTitle
-            isBuilt: window.model.isSectionBuilt
-            emptyText: window.model.emptySectionText
-            overviewRows: window.model.overviewRows
-            section: window.model.selectedSection
-            metadata: window.model.metadata
-            versionsList: window.model.versionsList
+            host: window.model.sections
+        }
+    }
+
+    Loader {
+        active: window.model.writeConfirmation.isPresented
+        sourceComponent: WriteConfirmationSheet {
+            model: window.model.writeConfirmation
         }
     }
 }

@@ -36,6 +36,7 @@ Pane {
                 onClicked: startDemo()
             }
             Button {
+                objectName: "showOnboardingButton"
                 text: "Erste Schritte …"
                 onClicked: showOnboarding()
             }

@@ -68,13 +68,13 @@ MenuBar {
         }
         MenuSeparator {}
         Instantiator {
-            model: workspace.sections
+            model: workspace.sections.sidebar
             delegate: Action {
-                required property var modelData
-                text: modelData.controlTitle
-                shortcut: modelData.shortcut
+                required property var model
+                text: model.controlTitle
+                shortcut: model.shortcut
                 enabled: workspace.hasSelectedApp
-                onTriggered: workspace.goToSection(modelData.position)
+                onTriggered: workspace.goToSection(model.position)
             }
             onObjectAdded: (index, object) => goToMenu.insertAction(index + 2, object)
             onObjectRemoved: (index, object) => goToMenu.removeAction(object)

@@ -1,42 +1,41 @@
 import QtQuick
 import QtQuick.Controls
-import QtQuick.Layouts
 
 // What is already known of the app.
-GridLayout {
+Item {
     id: page
-    property var rows: []
-    columns: 2
-    columnSpacing: 16
-    rowSpacing: 6
+    objectName: "overviewPage"
+    required property var model
 
-    Repeater {
-        model: page.rows
-        delegate: Label {
-            required property var modelData
-            required property int index
-            Layout.row: index
-            Layout.column: 0
-            text: modelData.label
-            color: palette.placeholderText
+    ListView {
+        id: list
+        anchors.fill: parent
+        model: page.model.rows
+        interactive: false
+        spacing: 6
+
+        delegate: Row {
+            id: row
+            required property string label
+            required property string value
+            required property string accessibleName
+            width: list.width
+            spacing: 16
+            Accessible.role: Accessible.StaticText
+            Accessible.name: accessibleName
+            Label {
+                id: labelText
+                width: 130
+                text: row.label
+                color: palette.placeholderText
+                elide: Text.ElideRight
+            }
+            Label {
+                width: Math.max(0, row.width - labelText.width - row.spacing)
+                text: row.value
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+            }
         }
-    }
-    Repeater {
-        model: page.rows
-        delegate: Label {
-            required property var modelData
-            required property int index
-            Layout.row: index
-            Layout.column: 1
-            Layout.fillWidth: true
-            text: modelData.value
-            textFormat: Text.PlainText
-            elide: Text.ElideRight
-            Accessible.name: modelData.label + ": " + modelData.value
-        }
-    }
-    Item {
-        Layout.row: page.rows.length
-        Layout.fillHeight: true
     }
 }

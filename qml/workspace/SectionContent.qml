@@ -1,80 +1,66 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
-import "../metadata"
-import "../release"
 
-// The screen of the selected section, or a calm placeholder.
+// The screen of the open section, or a calm placeholder. The page comes from the section
+// registry with its model; it is replaced only when the host says the section or app changed.
 Pane {
     id: content
-    property bool hasApp: false
-    property string title
-    property bool isBuilt: false
-    property string emptyText
-    property var overviewRows: []
-    property string section
-    property var metadata: null
-    property var versionsList: null
+    required property var host
 
-    ColumnLayout {
-        anchors.fill: parent
-        visible: !content.hasApp
-        Label {
-            Layout.alignment: Qt.AlignCenter
-            text: "Wähle links eine App."
-            color: palette.placeholderText
-        }
+    function showPage() {
+        if (content.host.page.toString() !== "")
+            pageLoader.setSource(content.host.page, { "model": content.host.sectionModel })
+        else
+            pageLoader.source = ""
+    }
+
+    Component.onCompleted: showPage()
+
+    Connections {
+        target: content.host
+        function onPageChanged() { content.showPage() }
+    }
+
+    Label {
+        anchors.centerIn: parent
+        visible: !content.host.hasApp
+        text: content.host.noAppText
+        color: palette.placeholderText
     }
 
     ColumnLayout {
         anchors.fill: parent
-        visible: content.hasApp
+        visible: content.host.hasApp
         spacing: 12
 
         Label {
-            text: content.title
+            Layout.fillWidth: true
+            text: content.host.title
             font.pixelSize: 22
             font.bold: true
+            elide: Text.ElideRight
             Accessible.role: Accessible.Heading
         }
-        Loader {
+        // A plain item between the layout and the page: the page takes the space it is given,
+        // and its own size wishes never feed back into the layout.
+        Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            // The page takes the space it is given; its own wish must not feed back into the layout.
-            Layout.preferredWidth: 0
-            Layout.preferredHeight: 0
-            active: content.isBuilt
-            sourceComponent: content.section === "appStoreOptimization" && content.metadata ? metadataPage
-                           : content.section === "releases" && content.versionsList ? versionsPage
-                           : overviewPage
+            visible: content.host.isBuilt
+            Loader {
+                id: pageLoader
+                anchors.fill: parent
+            }
         }
         Label {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: !content.isBuilt
-            text: content.emptyText
+            visible: !content.host.isBuilt
+            text: content.host.emptyText
             wrapMode: Text.Wrap
             verticalAlignment: Text.AlignTop
             color: palette.placeholderText
-        }
-    }
-
-    Component {
-        id: overviewPage
-        OverviewPage {
-            rows: content.overviewRows
-        }
-    }
-    Component {
-        id: metadataPage
-        MetadataPage {
-            model: content.metadata
-        }
-    }
-    Component {
-        id: versionsPage
-        VersionsPage {
-            model: content.versionsList
         }
     }
 }

@@ -1,12 +1,10 @@
 import QtQuick
 import QtQuick.Controls
-import QtQuick.Layouts
 
-// The sections of the selected app, under their headings.
+// The sections of the selected app, under their headings, in the order Ctrl+1…9 count.
 Pane {
     id: sidebar
-    property var sections: []
-    property string selectedSection
+    required property var host
     signal sectionChosen(string raw)
     padding: 0
 
@@ -14,32 +12,62 @@ Pane {
         id: list
         objectName: "sectionList"
         anchors.fill: parent
-        model: sidebar.sections
+        model: sidebar.host.sidebar
         keyNavigationEnabled: true
         activeFocusOnTab: true
         clip: true
+        highlightMoveDuration: 0
+        // The keyboard's place in the list, visible while the list has focus.
+        highlight: Rectangle {
+            visible: list.activeFocus
+            color: "transparent"
+            border.color: palette.highlight
+            border.width: 2
+            radius: 3
+            z: 2
+        }
         Accessible.name: "Bereiche"
+        Accessible.role: Accessible.List
+
+        Keys.onReturnPressed: if (currentItem) sidebar.sectionChosen(currentItem.raw)
+        Keys.onSpacePressed: if (currentItem) sidebar.sectionChosen(currentItem.raw)
 
         delegate: Column {
             id: entry
-            required property var modelData
+            required property int index
+            required property string raw
+            required property string controlTitle
+            required property string groupTitle
+            required property bool startsGroup
+            required property bool isSelected
+            required property bool isBuilt
+            required property string note
+            required property string accessibleName
             width: list.width
 
             Label {
-                visible: entry.modelData.startsGroup
+                visible: entry.startsGroup
                 leftPadding: 10
                 topPadding: 10
                 bottomPadding: 2
-                text: entry.modelData.groupTitle
+                text: entry.groupTitle
                 font.bold: true
                 color: palette.placeholderText
             }
             ItemDelegate {
+                objectName: "section_" + entry.raw
                 width: parent.width
-                text: entry.modelData.controlTitle
-                highlighted: entry.modelData.raw === sidebar.selectedSection
-                Accessible.name: entry.modelData.title
-                onClicked: sidebar.sectionChosen(entry.modelData.raw)
+                text: entry.controlTitle
+                highlighted: entry.isSelected
+                focusPolicy: Qt.NoFocus
+                opacity: entry.isBuilt ? 1.0 : 0.6
+                Accessible.name: entry.accessibleName
+                onClicked: {
+                    list.currentIndex = entry.index
+                    sidebar.sectionChosen(entry.raw)
+                }
+                ToolTip.visible: hovered && entry.note !== ""
+                ToolTip.text: entry.note
             }
         }
     }

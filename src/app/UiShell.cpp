@@ -7,7 +7,7 @@
 #include "api/RateLimitStatusViewModel.h"
 #include "api/TaskListModel.h"
 #include "api/WriteConfirmationViewModel.h"
-#include "metadata/MetadataViewModel.h"
+#include "app/SectionCatalog.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppWindowViewModel.h"
@@ -23,33 +23,17 @@
 using namespace Qt::StringLiterals;
 
 UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent)
-    : QObject(parent), m_state(state), m_engine(engine), m_workspace(new WorkspaceViewModel(state, this)),
+    : QObject(parent), m_state(state), m_engine(engine), m_sections(makeSectionRegistry()),
+      m_writeConfirmation(new WriteConfirmationViewModel(this)),
+      m_workspace(new WorkspaceViewModel(state, m_sections, *m_writeConfirmation, this)),
       m_accountSettings(new AccountSettingsViewModel(state, this)),
       m_addAccount(new AddAccountViewModel(state.accountStore(), state.platform(), this)),
       m_rateLimit(new RateLimitStatusViewModel(*state.accountStore().rateLimitGovernor(),
                                                state.platform().clock, this)),
       m_changeLog(new ChangeLogViewModel(state.accountStore().auditLog(), this)),
       m_taskList(new TaskListModel(state.taskCenter(), this)),
-      m_writeConfirmation(new WriteConfirmationViewModel(this)),
       m_background(new BackgroundSettingsViewModel(state.preferences(), this)) {
     connect(m_workspace, &WorkspaceViewModel::appWindowRequested, this, &UiShell::openAppWindow);
-    // A write that a section's model wants confirmed goes to the one sheet of the window; whatever
-    // the sheet decides, the model's own request is done with.
-    connect(m_workspace, &WorkspaceViewModel::sectionModelsChanged, this, [this] {
-        MetadataViewModel* metadata = m_workspace->metadataModel();
-        if (!metadata) {
-            return;
-        }
-        connect(metadata, &MetadataViewModel::pendingWriteChanged, this, [this, metadata] {
-            if (metadata->pendingWrite()) {
-                m_writeConfirmation->present(*metadata->pendingWrite());
-            }
-        });
-        connect(m_writeConfirmation, &WriteConfirmationViewModel::cancelled, metadata,
-                &MetadataViewModel::cancelPendingWrite);
-        connect(m_writeConfirmation, &WriteConfirmationViewModel::confirmed, metadata,
-                &MetadataViewModel::cancelPendingWrite);
-    });
     // A new account shows its apps at once.
     connect(m_addAccount, &AddAccountViewModel::saved, m_workspace, &WorkspaceViewModel::refreshApps);
 }
@@ -109,7 +93,8 @@ QQuickWindow* UiShell::window(const QString& objectName) const {
 void UiShell::openAppWindow(const QString& appID) {
     const auto section =
         SidebarSections::fromRaw(m_state.preferences().sceneText(u"velmora.window.section"_s, u"overview"_s));
-    auto* model = new AppWindowViewModel(m_state, appID, section.value_or(SidebarSection::Overview));
+    auto* model =
+        new AppWindowViewModel(m_state, m_sections, appID, section.value_or(SidebarSection::Overview));
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/workspace/AppWindow.qml"_s));
     QObject* window = component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(model)}});
     if (!window) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "workspace/SectionRegistry.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -46,13 +48,14 @@ public:
 private:
     AppState& m_state;
     QQmlApplicationEngine& m_engine;
+    SectionRegistry m_sections;
+    WriteConfirmationViewModel* m_writeConfirmation;
     WorkspaceViewModel* m_workspace;
     AccountSettingsViewModel* m_accountSettings;
     AddAccountViewModel* m_addAccount;
     RateLimitStatusViewModel* m_rateLimit;
     ChangeLogViewModel* m_changeLog;
     TaskListModel* m_taskList;
-    WriteConfirmationViewModel* m_writeConfirmation;
     BackgroundSettingsViewModel* m_background;
     QList<QPointer<QObject>> m_appWindows;
 };

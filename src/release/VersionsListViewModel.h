@@ -13,6 +13,7 @@ class RowListModel;
 // carries. Reading only; the guided release comes on top of it.
 class VersionsListViewModel : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("api/RowListModel.h")
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(RowListModel* versions READ versions CONSTANT)

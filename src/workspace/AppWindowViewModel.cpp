@@ -1,93 +1,65 @@
 #include "workspace/AppWindowViewModel.h"
 
-#include "metadata/MetadataViewModel.h"
-#include "release/VersionsListViewModel.h"
+#include "api/WriteConfirmationViewModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
-#include "workspace/WorkspaceViewModel.h"
+#include "workspace/SectionHost.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-const ManagedApp* findApp(const AppState& state, const QString& id) {
+std::optional<ManagedApp> findApp(const AppState& state, const QString& id) {
     for (const auto& app : state.apps()) {
         if (app.id == id) {
-            return &app;
+            return app;
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 } // namespace
 
-AppWindowViewModel::AppWindowViewModel(AppState& state, QString appID, SidebarSection section,
-                                       QObject* parent)
-    : QObject(parent), m_state(state), m_appID(std::move(appID)), m_section(section) {
-    connect(&state, &AppState::appsChanged, this, &AppWindowViewModel::changed);
+AppWindowViewModel::AppWindowViewModel(AppState& state, const SectionRegistry& registry, QString appID,
+                                       SidebarSection section, QObject* parent)
+    : QObject(parent), m_state(state), m_appID(std::move(appID)),
+      m_presenter(new WriteConfirmationViewModel(this)),
+      m_sections(new SectionHost(state, registry, *m_presenter, this)) {
     state.preferences().setSceneText(u"velmora.window.appID"_s, m_appID);
-    state.preferences().setSceneText(u"velmora.window.section"_s, SidebarSections::rawValue(m_section));
-    if (const auto* app = findApp(state, m_appID)) {
-        m_metadata = new MetadataViewModel(state, *app, this);
-        m_versions = new VersionsListViewModel(state, *app, this);
-    }
-    loadOpenSection();
+    state.preferences().setSceneText(u"velmora.window.section"_s, SidebarSections::rawValue(section));
+    m_sections->selectSection(section);
+    followApps();
+    connect(&state, &AppState::appsChanged, this, &AppWindowViewModel::followApps);
 }
 
-QObject* AppWindowViewModel::metadata() const {
-    return m_metadata;
-}
-
-QObject* AppWindowViewModel::versionsList() const {
-    return m_versions;
-}
-
-void AppWindowViewModel::loadOpenSection() {
-    if (m_section == SidebarSection::AppStoreOptimization && m_metadata && !m_metadataLoaded) {
-        m_metadataLoaded = true;
-        m_metadata->startLoad(false);
+void AppWindowViewModel::followApps() {
+    const bool had = m_sections->hasApp();
+    m_sections->setApp(findApp(m_state, m_appID));
+    if (had != m_sections->hasApp()) {
+        Q_EMIT hasAppChanged();
     }
-    if (m_section == SidebarSection::Releases && m_versions && !m_versionsLoaded) {
-        m_versionsLoaded = true;
-        m_versions->startLoad(false);
-    }
+    Q_EMIT windowTitleChanged();
 }
 
 bool AppWindowViewModel::hasApp() const {
-    return findApp(m_state, m_appID) != nullptr;
-}
-
-QString AppWindowViewModel::appName() const {
-    const auto* app = findApp(m_state, m_appID);
-    return app ? app->name : u"App nicht gefunden"_s;
+    return m_sections->hasApp();
 }
 
 QString AppWindowViewModel::windowTitle() const {
-    return appName() + u" – Varnis"_s;
-}
-
-QVariantList AppWindowViewModel::overviewRows() const {
-    const auto* app = findApp(m_state, m_appID);
-    return app ? WorkspaceViewModel::overviewRowsFor(*app, m_state) : QVariantList();
-}
-
-QVariantList AppWindowViewModel::sections() const {
-    return WorkspaceViewModel::sectionList(true);
+    const auto& app = m_sections->app();
+    return (app ? app->name : u"App nicht gefunden"_s) + u" – Varnis"_s;
 }
 
 void AppWindowViewModel::selectSection(const QString& raw) {
     const auto section = SidebarSections::fromRaw(raw);
-    if (!section || *section == m_section) {
+    if (!section) {
         return;
     }
-    m_section = *section;
     m_state.preferences().setSceneText(u"velmora.window.section"_s, raw);
-    loadOpenSection();
-    Q_EMIT changed();
+    m_sections->selectSection(*section);
 }
 
-bool AppWindowViewModel::isSectionBuilt() const {
-    return WorkspaceViewModel::isBuilt(m_section);
-}
-
-QString AppWindowViewModel::emptySectionText() const {
-    return WorkspaceViewModel::emptyTextFor(m_section);
+void AppWindowViewModel::goToSection(int position) {
+    const auto all = SidebarSections::all();
+    if (position >= 0 && position < all.size()) {
+        selectSection(SidebarSections::rawValue(all[position]));
+    }
 }

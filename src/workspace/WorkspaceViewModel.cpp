@@ -1,35 +1,55 @@
 #include "workspace/WorkspaceViewModel.h"
 
 #include "api/AccountStore.h"
-#include "metadata/MetadataViewModel.h"
-#include "release/VersionsListViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
+#include "workspace/SectionHost.h"
 
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
 
-WorkspaceViewModel::WorkspaceViewModel(AppState& state, QObject* parent)
+WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& registry,
+                                       WriteConfirmationViewModel& presenter, QObject* parent)
     : QObject(parent), m_state(state),
       m_favorites(new AppListModel(state, AppListModel::Kind::Favorites, this)),
       m_recents(new AppListModel(state, AppListModel::Kind::Recent, this)),
-      m_all(new AppListModel(state, AppListModel::Kind::All, this)) {
-    connect(&state, &AppState::appsChanged, this, &WorkspaceViewModel::stateChanged);
-    connect(&state, &AppState::loadingChanged, this, &WorkspaceViewModel::stateChanged);
-    connect(&state, &AppState::demoModeChanged, this, &WorkspaceViewModel::stateChanged);
-    connect(&state.accountStore(), &AccountStore::accountsChanged, this, &WorkspaceViewModel::stateChanged);
-    connect(&state.preferences(), &AppPreferencesStore::changed, this, &WorkspaceViewModel::stateChanged);
-    connect(&state, &AppState::selectedAppChanged, this, &WorkspaceViewModel::selectionChanged);
-    connect(&state, &AppState::selectedAppChanged, this, &WorkspaceViewModel::rebuildSectionModels);
-    connect(&state, &AppState::selectedSectionChanged, this, &WorkspaceViewModel::loadOpenSection);
-    connect(&state, &AppState::selectedSectionChanged, this, &WorkspaceViewModel::selectionChanged);
+      m_all(new AppListModel(state, AppListModel::Kind::All, this)),
+      m_sections(new SectionHost(state, registry, presenter, this)) {
+    const auto demoOrAccount = [this] {
+        Q_EMIT isDemoActiveChanged();
+        Q_EMIT isDemoModeEnabledChanged();
+        Q_EMIT hasAccountChanged();
+        Q_EMIT showsEmptyStateChanged();
+    };
+    connect(&state, &AppState::demoModeChanged, this, demoOrAccount);
+    connect(&state.accountStore(), &AccountStore::accountsChanged, this, demoOrAccount);
+    connect(&state, &AppState::loadingChanged, this, &WorkspaceViewModel::isLoadingAppsChanged);
+    connect(&state, &AppState::appsChanged, this, [this] {
+        Q_EMIT appsErrorChanged();
+        Q_EMIT cacheAgeTextChanged();
+    });
+    connect(&state.preferences(), &AppPreferencesStore::changed, this,
+            &WorkspaceViewModel::showsAppsOfAllAccountsChanged);
+    connect(&state, &AppState::selectedAppChanged, this, [this] {
+        m_sections->setApp(m_state.selectedApp());
+        Q_EMIT hasSelectedAppChanged();
+        Q_EMIT selectedAppIDChanged();
+        Q_EMIT windowTitleChanged();
+    });
+    connect(&state, &AppState::selectedSectionChanged, this, [this] {
+        m_sections->selectSection(m_state.selectedSection().value_or(SidebarSection::Overview));
+    });
+    m_sections->setApp(state.selectedApp());
+    m_sections->selectSection(state.selectedSection().value_or(SidebarSection::Overview));
     // The main window opens where it was left: the app and section are written back as they change.
-    connect(this, &WorkspaceViewModel::selectionChanged, this, [this] {
+    const auto remember = [this] {
         m_state.preferences().setSceneText(u"velmora.main.appID"_s, selectedAppID());
         m_state.preferences().setSceneText(u"velmora.main.section"_s, selectedSection());
-    });
+    };
+    connect(&state, &AppState::selectedAppChanged, this, remember);
+    connect(&state, &AppState::selectedSectionChanged, this, remember);
 }
 
 WorkspaceViewModel::~WorkspaceViewModel() = default;
@@ -81,6 +101,10 @@ bool WorkspaceViewModel::isLoadingApps() const {
     return m_state.isLoadingApps();
 }
 
+QString WorkspaceViewModel::allAppsTitle() const {
+    return isLoadingApps() ? u"Alle Apps – wird geladen …"_s : u"Alle Apps"_s;
+}
+
 QString WorkspaceViewModel::appsError() const {
     return m_state.appsError().value_or(QString());
 }
@@ -99,6 +123,7 @@ void WorkspaceViewModel::setShowsAppsOfAllAccounts(bool on) {
         return;
     }
     m_state.preferences().setShowsAppsOfAllAccounts(on);
+    Q_EMIT showsAppsOfAllAccountsChanged();
     startLoad(true);
 }
 
@@ -110,146 +135,12 @@ QString WorkspaceViewModel::selectedAppID() const {
     return m_state.selectedApp() ? m_state.selectedApp()->id : QString();
 }
 
-QString WorkspaceViewModel::selectedAppName() const {
-    return m_state.selectedApp() ? m_state.selectedApp()->name : QString();
-}
-
 QString WorkspaceViewModel::windowTitle() const {
     return m_state.selectedApp() ? m_state.selectedApp()->name + u" – Varnis"_s : u"Varnis"_s;
 }
 
-QVariantList WorkspaceViewModel::overviewRows() const {
-    return m_state.selectedApp() ? overviewRowsFor(*m_state.selectedApp(), m_state) : QVariantList();
-}
-
-QVariantList WorkspaceViewModel::overviewRowsFor(const ManagedApp& app, const AppState& state) {
-    auto row = [](const QString& label, const QString& value) {
-        return QVariantMap{{u"label"_s, label}, {u"value"_s, value}};
-    };
-    QString account = app.accountName.value_or(QString());
-    if (account.isEmpty() && app.accountID) {
-        if (auto owner = state.accountStore().account(*app.accountID)) {
-            account = owner->name;
-        }
-    }
-    if (account.isEmpty()) {
-        account = state.isDemoActive() ? u"Demo-Modus"_s : u"–"_s;
-    }
-    return {
-        row(u"Name"_s, app.name),
-        row(u"Bundle-ID"_s, app.bundleID),
-        row(u"SKU"_s, app.sku.value_or(u"–"_s)),
-        row(u"Primärsprache"_s, app.primaryLocale.value_or(u"–"_s)),
-        row(u"Account"_s, account),
-        row(u"App-ID"_s, app.id),
-    };
-}
-
-QVariantList WorkspaceViewModel::sectionList(bool grouped) {
-    QList<SidebarSection> order = SidebarSections::all();
-    if (grouped) {
-        // The sidebar gathers sections under their headings; the numbering of "Gehe zu" keeps the
-        // fixed order.
-        std::stable_sort(order.begin(), order.end(), [](SidebarSection a, SidebarSection b) {
-            return SidebarSections::group(a) < SidebarSections::group(b);
-        });
-    }
-    QVariantList list;
-    std::optional<SidebarGroup> previous;
-    for (const auto section : order) {
-        const SidebarGroup group = SidebarSections::group(section);
-        const int position = int(SidebarSections::all().indexOf(section));
-        QString controlTitle = SidebarSections::title(section);
-        // A lone "&" would turn into a keyboard mnemonic on buttons and menu entries.
-        controlTitle.replace(u"&"_s, u"&&"_s);
-        list.append(QVariantMap{
-            {u"raw"_s, SidebarSections::rawValue(section)},
-            {u"title"_s, SidebarSections::title(section)},
-            {u"controlTitle"_s, controlTitle},
-            {u"symbol"_s, SidebarSections::symbol(section)},
-            {u"groupTitle"_s, SidebarSections::groupTitle(group)},
-            {u"startsGroup"_s, !previous || *previous != group},
-            // Ctrl is the platform's command key in Qt's shortcut texts.
-            {u"shortcut"_s, position < 9 ? u"Ctrl+%1"_s.arg(position + 1) : QString()},
-            {u"position"_s, position},
-        });
-        previous = group;
-    }
-    return list;
-}
-
 QString WorkspaceViewModel::selectedSection() const {
     return SidebarSections::rawValue(m_state.selectedSection().value_or(SidebarSection::Overview));
-}
-
-QString WorkspaceViewModel::selectedSectionTitle() const {
-    return SidebarSections::title(m_state.selectedSection().value_or(SidebarSection::Overview));
-}
-
-bool WorkspaceViewModel::isBuilt(SidebarSection section) {
-    return section == SidebarSection::Overview || section == SidebarSection::AppStoreOptimization ||
-           section == SidebarSection::Releases;
-}
-
-MetadataViewModel* WorkspaceViewModel::metadataModel() const {
-    return m_metadata;
-}
-
-QObject* WorkspaceViewModel::metadata() const {
-    return m_metadata;
-}
-
-QObject* WorkspaceViewModel::versionsList() const {
-    return m_versions;
-}
-
-void WorkspaceViewModel::rebuildSectionModels() {
-    // Without a selected app the old models stay until the next app replaces them: the screens
-    // are hidden then, and a page never sees its model vanish under it.
-    const QString appID = selectedAppID();
-    if (appID.isEmpty() || appID == m_sectionModelsAppID) {
-        return;
-    }
-    m_sectionModelsAppID = appID;
-    QPointer<MetadataViewModel> oldMetadata = m_metadata;
-    QPointer<VersionsListViewModel> oldVersions = m_versions;
-    m_metadataLoaded = false;
-    m_versionsLoaded = false;
-    m_metadata = new MetadataViewModel(m_state, *m_state.selectedApp(), this);
-    m_versions = new VersionsListViewModel(m_state, *m_state.selectedApp(), this);
-    Q_EMIT sectionModelsChanged();
-    if (oldMetadata) {
-        oldMetadata->deleteLater();
-    }
-    if (oldVersions) {
-        oldVersions->deleteLater();
-    }
-    loadOpenSection();
-}
-
-void WorkspaceViewModel::loadOpenSection() {
-    const auto section = m_state.selectedSection().value_or(SidebarSection::Overview);
-    if (section == SidebarSection::AppStoreOptimization && m_metadata && !m_metadataLoaded) {
-        m_metadataLoaded = true;
-        m_metadata->startLoad(false);
-    }
-    if (section == SidebarSection::Releases && m_versions && !m_versionsLoaded) {
-        m_versionsLoaded = true;
-        m_versions->startLoad(false);
-    }
-}
-
-QString WorkspaceViewModel::emptyTextFor(SidebarSection section) {
-    return u"„%1“ kommt mit einer der nächsten Versionen. Bis dahin lädt dieser Bereich nichts und ändert "
-           "nichts."_s.arg(SidebarSections::title(section));
-}
-
-bool WorkspaceViewModel::isSectionBuilt() const {
-    return isBuilt(m_state.selectedSection().value_or(SidebarSection::Overview));
-}
-
-QString WorkspaceViewModel::emptySectionText() const {
-    return emptyTextFor(m_state.selectedSection().value_or(SidebarSection::Overview));
 }
 
 void WorkspaceViewModel::setOnboardingPresented(bool on) {
@@ -257,7 +148,7 @@ void WorkspaceViewModel::setOnboardingPresented(bool on) {
         return;
     }
     m_onboarding = on;
-    Q_EMIT onboardingChanged();
+    Q_EMIT isOnboardingPresentedChanged();
 }
 
 QString WorkspaceViewModel::onboardingTitle() const {

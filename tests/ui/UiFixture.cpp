@@ -107,11 +107,19 @@ QQuickWindow* UiFixture::topLevel(const QString& objectName) {
 }
 
 namespace {
-QQuickItem* visibleChild(QQuickItem* root, const QString& objectName) {
-    const auto candidates = root->findChildren<QQuickItem*>(objectName);
-    for (QQuickItem* item : candidates) {
-        if (item->isVisible() && item->width() > 0 && item->height() > 0) {
-            return item;
+// Walks what is on screen, not the object tree: delegates, loaded pages and popups are visual
+// children of the window's root item whatever their owner is.
+QQuickItem* visibleChild(QQuickItem* item, const QString& objectName) {
+    if (!item->isVisible()) {
+        return nullptr;
+    }
+    if (item->objectName() == objectName && item->width() > 0 && item->height() > 0) {
+        return item;
+    }
+    const auto children = item->childItems();
+    for (QQuickItem* child : children) {
+        if (QQuickItem* found = visibleChild(child, objectName)) {
+            return found;
         }
     }
     return nullptr;
@@ -122,7 +130,11 @@ QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName)
     QQuickItem* found = nullptr;
     // Popups and sheets live on the overlay, which is a child of the content item as well.
     (void)QTest::qWaitFor([&] {
-        found = visibleChild(window->contentItem(), objectName);
+        QQuickItem* root = window->contentItem();
+        while (root->parentItem()) {
+            root = root->parentItem();
+        }
+        found = visibleChild(root, objectName);
         return found != nullptr;
     });
     return found;
@@ -143,11 +155,15 @@ bool UiFixture::clickNamed(QQuickWindow* window, const QString& objectName) {
     return true;
 }
 
-bool UiFixture::clickRow(QQuickWindow* window, const QString& listName, int row) {
+QQuickItem* UiFixture::childNamed(QQuickItem* parent, const QString& objectName) {
+    return parent ? visibleChild(parent, objectName) : nullptr;
+}
+
+QQuickItem* UiFixture::rowItem(QQuickWindow* window, const QString& listName, int row) {
     QQuickItem* list = findItem(window, listName);
     if (!list) {
         qWarning("no visible list named %s", qPrintable(listName));
-        return false;
+        return nullptr;
     }
     QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0 /* Beginning */));
     QCoreApplication::processEvents();
@@ -155,6 +171,13 @@ bool UiFixture::clickRow(QQuickWindow* window, const QString& listName, int row)
     QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, delegate), Q_ARG(int, row));
     if (!delegate) {
         qWarning("row %d of %s is not on screen", row, qPrintable(listName));
+    }
+    return delegate;
+}
+
+bool UiFixture::clickRow(QQuickWindow* window, const QString& listName, int row) {
+    QQuickItem* delegate = rowItem(window, listName, row);
+    if (!delegate) {
         return false;
     }
     click(delegate);

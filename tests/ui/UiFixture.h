@@ -43,6 +43,10 @@ protected:
     static void click(QQuickItem* item, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Clicks the item of that name; fails the test if it is not there.
     static bool clickNamed(QQuickWindow* window, const QString& objectName);
+    // The delegate of row `row` of a ListView, scrolled into view, or null.
+    static QQuickItem* rowItem(QQuickWindow* window, const QString& listName, int row);
+    // The visible item of that name inside `parent`, or null.
+    static QQuickItem* childNamed(QQuickItem* parent, const QString& objectName);
     // Row `row` of a ListView: scrolls it into view and clicks it.
     static bool clickRow(QQuickWindow* window, const QString& listName, int row);
     static void activate(QQuickWindow* window);

@@ -15,6 +15,7 @@
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
+#include "workspace/SidebarSection.h"
 #include "workspace/WorkspaceViewModel.h"
 
 #include <QDir>
@@ -40,131 +41,144 @@ private Q_SLOTS:
         m_server.reset();
     }
 
+    // Every screen of the demo, reached the way a person reaches it: apps and sections by mouse,
+    // the rest by the window's shortcuts.
     void demoModeShowsEveryScreen() {
-        start(demoPlatform());
-        m_state->setDemoModeEnabled(true);
-        show();
+        startDemo();
         WorkspaceViewModel* workspace = m_shell->workspace();
         QTRY_COMPARE(workspace->allApps()->count(), 4);
         QVERIFY(workspace->isDemoActive());
-        QQuickWindow* main = m_shell->mainWindow();
+        QQuickWindow* main = mainWindow();
         shoot(main, u"main-demo"_s);
 
         for (int row = 0; row < workspace->allApps()->count(); ++row) {
             const QString id = workspace->allApps()->index(row).data(AppListModel::AppIdRole).toString();
-            workspace->selectApp(id);
-            QCOMPARE(workspace->selectedAppID(), id);
+            QVERIFY(clickRow(main, u"allAppsList"_s, row));
+            QTRY_COMPARE(workspace->selectedAppID(), id);
             shoot(main, u"app-%1-overview"_s.arg(row));
         }
-        for (const QVariant& entry : workspace->sections()) {
-            const QString raw = entry.toMap().value(u"raw"_s).toString();
-            workspace->selectSection(raw);
-            QCOMPARE(workspace->selectedSection(), raw);
+        for (const SidebarSection section : SidebarSections::all()) {
+            const QString raw = SidebarSections::rawValue(section);
+            QVERIFY(clickNamed(main, u"section_"_s + raw));
+            QTRY_COMPARE(workspace->selectedSection(), raw);
             shoot(main, u"section-"_s + raw);
         }
 
-        // Keyboard: the "Gehe zu" shortcuts reach the sections.
-        main->requestActivate();
-        QVERIFY(QTest::qWaitForWindowActive(main));
         QTest::keyClick(main, Qt::Key_2, Qt::ControlModifier);
         QTRY_COMPARE(workspace->selectedSection(), u"appStoreOptimization"_s);
         QTest::keyClick(main, Qt::Key_BracketLeft, Qt::ControlModifier);
         QTRY_VERIFY(!workspace->hasSelectedApp());
-        workspace->selectApp(workspace->allApps()->index(0).data(AppListModel::AppIdRole).toString());
 
-        m_state->preferences().toggleFavorite(workspace->selectedAppID());
+        // The star marks a favourite without selecting the app.
+        QQuickItem* first = rowItem(main, u"allAppsList"_s, 0);
+        QVERIFY(first);
+        QQuickItem* star = childNamed(first, u"favoriteStar"_s);
+        QVERIFY(star);
+        click(star);
         QTRY_COMPARE(workspace->favoriteApps()->count(), 1);
+        QVERIFY(!workspace->hasSelectedApp());
         shoot(main, u"favourites-and-recent"_s);
 
-        QMetaObject::invokeMethod(main, "openSettings");
-        QQuickWindow* settings = m_shell->window(u"settingsWindow"_s);
-        QVERIFY(settings);
+        QTest::keyClick(main, Qt::Key_Comma, Qt::ControlModifier);
+        QQuickWindow* settings = nullptr;
+        QTRY_VERIFY((settings = topLevel(u"settingsWindow"_s)));
         QVERIFY(QTest::qWaitForWindowExposed(settings));
-        auto* tabs = settings->findChild<QObject*>(u"settingsTabs"_s);
-        QVERIFY(tabs);
-        for (int tab = 0; tab < 3; ++tab) {
-            tabs->setProperty("currentIndex", tab);
-            shoot(settings, u"settings-%1"_s.arg(tab));
-        }
-        settings->hide();
+        shoot(settings, u"settings"_s);
+        settings->close();
 
-        QMetaObject::invokeMethod(main, "openChangeLog");
-        QQuickWindow* changeLog = m_shell->window(u"changeLogWindow"_s);
-        QVERIFY(changeLog);
+        activate(main);
+        QTest::keyClick(main, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+        QQuickWindow* changeLog = nullptr;
+        QTRY_VERIFY((changeLog = topLevel(u"changeLogWindow"_s)));
         QVERIFY(QTest::qWaitForWindowExposed(changeLog));
         shoot(changeLog, u"change-log"_s);
-        changeLog->hide();
+        changeLog->close();
+    }
 
-        PendingWrite write;
-        write.title = u"Einladung zurückziehen"_s;
-        write.explanation = u"Die Einladung an anna@example.com wird ungültig."_s;
-        write.changes = {
-            WriteChange{QUuid::createUuid(), u"Einladung"_s, u"anna@example.com"_s, u"zurückgezogen"_s}};
-        write.confirmLabel = u"Zurückziehen"_s;
-        write.isDestructive = true;
-        write.perform = []() -> QCoro::Task<> {
-            co_return;
-        };
-        m_shell->writeConfirmation()->present(write);
+    // An account with one app in two languages, answered by a scripted Apple.
+    void startWithTwoLanguages() {
+        Platform platform = demoPlatform();
+        auto apple = std::static_pointer_cast<FakeTransport>(platform.transport);
+        using Answer = FakeTransport::Answer;
+        apple->script("GET", u"/v1/apps"_s, {Answer::json(200, R"({"data":[{"type":"apps","id":"app-1",
+            "attributes":{"name":"Kladde","bundleId":"com.example.kladde","primaryLocale":"en-US"}}]})")});
+        apple->script("GET", u"/v1/apps/app-1/appStoreVersions"_s,
+                      {Answer::json(200, R"({"data":[{"type":"appStoreVersions","id":"v1","attributes":{
+            "versionString":"2.0","appStoreState":"PREPARE_FOR_SUBMISSION","platform":"IOS"}}]})")});
+        apple->script("GET", u"/v1/apps/app-1/appInfos"_s,
+                      {Answer::json(200, R"({"data":[{"type":"appInfos","id":"info-1","attributes":{}}]})")});
+        apple->script("GET", u"/v1/appInfos/info-1/appInfoLocalizations"_s, {Answer::json(200, R"({"data":[
+            {"type":"appInfoLocalizations","id":"i-en","attributes":{"locale":"en-US","name":"Kladde"}},
+            {"type":"appInfoLocalizations","id":"i-de","attributes":{"locale":"de-DE","name":"Kladde"}}]})")});
+        apple->script("GET", u"/v1/appStoreVersions/v1/appStoreVersionLocalizations"_s,
+                      {Answer::json(200, R"({"data":[
+            {"type":"appStoreVersionLocalizations","id":"v-en","attributes":{"locale":"en-US","description":"Notes."}},
+            {"type":"appStoreVersionLocalizations","id":"v-de","attributes":{"locale":"de-DE","description":"Notizen."}}]})")});
+        start(platform);
+        VarnisTest::awaitTask(
+            m_state->accountStore().addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                                               u"ABCDE12345"_s, makeTestKey().privateKeyPEM));
+        show();
+        QTRY_COMPARE(m_shell->workspace()->allApps()->count(), 1);
+    }
+
+    // Removing a language asks first, in whichever window it was asked for: the second window
+    // has its own sheet.
+    void bothWindowsConfirmTheRemovalOfALanguage() {
+        startWithTwoLanguages();
+        WorkspaceViewModel* workspace = m_shell->workspace();
+        QQuickWindow* main = mainWindow();
+        QVERIFY(clickRow(main, u"allAppsList"_s, 0));
+        QTRY_VERIFY(workspace->hasSelectedApp());
+        QTest::keyClick(main, Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(findItem(main, u"language_de-DE"_s) || findItem(main, u"languageList"_s));
+        QVERIFY(clickNamed(main, u"removeLanguageButton"_s));
+        QVERIFY(findItem(main, u"cancelWriteButton"_s));
         shoot(main, u"write-confirmation"_s);
-        m_shell->writeConfirmation()->cancel();
+        QVERIFY(clickNamed(main, u"cancelWriteButton"_s));
+        QTRY_VERIFY(!m_shell->writeConfirmation()->isPresented());
 
-        workspace->setOnboardingPresented(true);
-        shoot(main, u"onboarding"_s);
-        workspace->setOnboardingPresented(false);
-
-        workspace->openInNewWindow();
+        QTest::keyClick(main, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
         QQuickWindow* appWindow = nullptr;
-        for (QWindow* w : QGuiApplication::topLevelWindows()) {
-            if (w->objectName() == u"appWindow"_s) {
-                appWindow = qobject_cast<QQuickWindow*>(w);
-            }
-        }
-        QVERIFY(appWindow);
+        QTRY_VERIFY((appWindow = topLevel(u"appWindow"_s)));
         QVERIFY(QTest::qWaitForWindowExposed(appWindow));
-        shoot(appWindow, u"app-window"_s);
+        activate(appWindow);
+        QTest::keyClick(appWindow, Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(clickNamed(appWindow, u"removeLanguageButton"_s));
+        QVERIFY(findItem(appWindow, u"cancelWriteButton"_s));
+        QVERIFY(!m_shell->writeConfirmation()->isPresented());
+        shoot(appWindow, u"app-window-write-confirmation"_s);
+        QVERIFY(clickNamed(appWindow, u"cancelWriteButton"_s));
         appWindow->close();
     }
 
-    void demoStoreTextsKeepEditsAcrossLanguages() {
-        start(demoPlatform());
-        m_state->setDemoModeEnabled(true);
-        show();
+    // Choosing an app, its overview and "Alle Apps" in turn, by mouse and keyboard: the overview's
+    // layout once outlived its rows and the window crashed by the second or third round.
+    void overviewAndAllAppsInTurn() {
+        startDemo();
         WorkspaceViewModel* workspace = m_shell->workspace();
         QTRY_COMPARE(workspace->allApps()->count(), 4);
-        workspace->selectApp(workspace->allApps()->index(0).data(AppListModel::AppIdRole).toString());
-        workspace->selectSection(u"appStoreOptimization"_s);
-        MetadataViewModel* metadata = workspace->metadataModel();
-        QVERIFY(metadata);
-        QTRY_COMPARE(metadata->localizations().size(), 2);
-        const QString first = *metadata->selectedLocale();
-        const QString other = metadata->localizations()[0].locale == first
-                                  ? metadata->localizations()[1].locale
-                                  : metadata->localizations()[0].locale;
-        metadata->setField(u"description"_s,
-                           u"Ein neuer Text, der länger als zweihundert Zeichen werden soll."_s);
-        QVERIFY(metadata->hasUnsavedChanges());
-        shoot(m_shell->mainWindow(), u"store-texts-edited"_s);
-
-        metadata->selectLocale(other);
-        metadata->selectLocale(first);
-        QVERIFY(metadata->restoredDraftDate().has_value());
-        QCOMPARE(metadata->editBuffer()->description,
-                 u"Ein neuer Text, der länger als zweihundert Zeichen werden soll."_s);
-
-        // Demo mode sends nothing and says so.
-        VarnisTest::awaitTask(metadata->save());
-        QCOMPARE(
-            metadata->saveError(),
-            std::optional<QString>(u"Im Demo-Modus werden keine Daten an App Store Connect geschickt."_s));
-        shoot(m_shell->mainWindow(), u"store-texts-demo-save"_s);
+        QQuickWindow* main = mainWindow();
+        for (int round = 0; round < 6; ++round) {
+            QVERIFY(clickRow(main, u"allAppsList"_s, round % 4));
+            QTRY_VERIFY(workspace->hasSelectedApp());
+            QTest::keyClick(main, Qt::Key_1, Qt::ControlModifier);
+            QTRY_COMPARE(workspace->selectedSection(), u"overview"_s);
+            QVERIFY(findItem(main, u"overviewPage"_s));
+            QTest::keyClick(main, Qt::Key_BracketLeft, Qt::ControlModifier);
+            QTRY_VERIFY(!workspace->hasSelectedApp());
+            QTest::qWait(0);
+        }
     }
 
     void emptyStateWithoutAccountAndDemo() {
         start(demoPlatform());
         show();
         QVERIFY(m_shell->workspace()->showsEmptyState());
-        shoot(m_shell->mainWindow(), u"empty-state"_s);
+        shoot(mainWindow(), u"empty-state"_s);
+        QVERIFY(clickNamed(mainWindow(), u"showOnboardingButton"_s));
+        QTRY_VERIFY(m_shell->workspace()->isOnboardingPresented());
+        shoot(mainWindow(), u"onboarding"_s);
     }
 
     void environmentAccountListsTheServersApps() {

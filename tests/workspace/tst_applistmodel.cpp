@@ -1,5 +1,7 @@
 #include "api/AccountStore.h"
 #include "api/DiskCache.h"
+#include "api/RowListModel.h"
+#include "api/WriteConfirmationViewModel.h"
 #include "platform/Clock.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
@@ -9,7 +11,8 @@
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppsService.h"
-#include "workspace/WorkspaceViewModel.h"
+#include "workspace/SectionHost.h"
+#include "workspace/SectionRegistry.h"
 
 #include <QAbstractItemModelTester>
 #include <QSettings>
@@ -100,25 +103,53 @@ private Q_SLOTS:
         QCOMPARE(all.index(3).data(AppListModel::IsSelectedRole).toBool(), false);
     }
 
-    void sectionsKeepTheirNumbersInTheSidebar() {
-        const QVariantList fixed = WorkspaceViewModel::sectionList(false);
-        const QVariantList grouped = WorkspaceViewModel::sectionList(true);
-        QCOMPARE(fixed.size(), 11);
-        QCOMPARE(grouped.size(), 11);
-        QCOMPARE(fixed[1].toMap().value(u"shortcut"_s).toString(), u"Ctrl+2"_s);
-        QCOMPARE(fixed[10].toMap().value(u"shortcut"_s).toString(), QString());
-        // Whatever the grouping, a section keeps the number of its place in the fixed order, and
-        // every heading appears once.
+    // The sidebar shows the sections in the order Ctrl+1…9 count, each heading once, and marks
+    // what is not built; choosing a section changes two rows in place.
+    void sidebarFollowsTheFixedOrder() {
+        SectionRegistry registry;
+        registry.add({SidebarSection::Releases,
+                      QUrl(u"qrc:/page.qml"_s),
+                      [](const SectionContext& context) -> QObject* { return new QObject(context.parent); },
+                      {}});
+        WriteConfirmationViewModel presenter;
+        SectionHost host(*m_state, registry, presenter);
+        RowListModel* sidebar = host.sidebar();
+        QAbstractItemModelTester tester(sidebar, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const auto all = SidebarSections::all();
+        QCOMPARE(sidebar->count(), all.size());
         QSet<QString> headings;
-        for (const QVariant& entry : grouped) {
-            const QVariantMap map = entry.toMap();
-            QCOMPARE(fixed[map.value(u"position"_s).toInt()].toMap().value(u"raw"_s), map.value(u"raw"_s));
-            if (map.value(u"startsGroup"_s).toBool()) {
-                QVERIFY(!headings.contains(map.value(u"groupTitle"_s).toString()));
-                headings.insert(map.value(u"groupTitle"_s).toString());
+        for (int row = 0; row < sidebar->count(); ++row) {
+            QCOMPARE(sidebar->value(row, SectionHost::Raw).toString(), SidebarSections::rawValue(all[row]));
+            QCOMPARE(sidebar->value(row, SectionHost::Shortcut).toString(),
+                     row < 9 ? u"Ctrl+%1"_s.arg(row + 1) : QString());
+            if (sidebar->value(row, SectionHost::StartsGroup).toBool()) {
+                const QString heading = sidebar->value(row, SectionHost::GroupTitle).toString();
+                QVERIFY2(!headings.contains(heading), qPrintable(heading));
+                headings.insert(heading);
             }
         }
-        QCOMPARE(fixed[4].toMap().value(u"controlTitle"_s).toString(), u"Versionen && Builds"_s);
+        const int releases = sidebar->indexOfKey(u"releases"_s);
+        QCOMPARE(sidebar->value(releases, SectionHost::ControlTitle).toString(), u"Versionen && Builds"_s);
+        QCOMPARE(sidebar->value(releases, SectionHost::Note).toString(), QString());
+        QCOMPARE(sidebar->value(0, SectionHost::Note).toString(), u"noch nicht verfügbar"_s);
+
+        QSignalSpy changed(sidebar, &QAbstractItemModel::dataChanged);
+        QSignalSpy reset(sidebar, &QAbstractItemModel::modelReset);
+        host.selectSection(SidebarSection::Releases);
+        QCOMPARE(changed.size(), 2);
+        QCOMPARE(reset.size(), 0);
+        QVERIFY(sidebar->value(releases, SectionHost::IsSelected).toBool());
+        // Without an app no model is made; with one, the built section gets its model once.
+        QCOMPARE(host.sectionModel(), nullptr);
+        host.setApp(m_state->apps().value(0));
+        QObject* model = host.sectionModel();
+        QVERIFY(model);
+        QCOMPARE(host.page(), QUrl(u"qrc:/page.qml"_s));
+        host.selectSection(SidebarSection::Overview);
+        QCOMPARE(host.sectionModel(), nullptr);
+        QVERIFY(!host.isBuilt());
+        host.selectSection(SidebarSection::Releases);
+        QCOMPARE(host.sectionModel(), model);
     }
 };
 

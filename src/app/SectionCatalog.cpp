@@ -1,0 +1,55 @@
+#include "app/SectionCatalog.h"
+
+#include "api/WriteConfirmationViewModel.h"
+#include "metadata/MetadataViewModel.h"
+#include "release/VersionsListViewModel.h"
+#include "workspace/OverviewViewModel.h"
+#include "workspace/SectionRegistry.h"
+
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A model that builds a PendingWrite shows it on the sheet of its own window; whatever the
+// sheet decides, the model's request is done with.
+template <typename Model> void presentWritesOf(Model* model, WriteConfirmationViewModel& presenter) {
+    QPointer<WriteConfirmationViewModel> sheet(&presenter);
+    QObject::connect(model, &Model::pendingWriteChanged, model, [model, sheet] {
+        if (sheet && model->pendingWrite()) {
+            sheet->present(*model->pendingWrite());
+        }
+    });
+    QObject::connect(&presenter, &WriteConfirmationViewModel::cancelled, model, &Model::cancelPendingWrite);
+    QObject::connect(&presenter, &WriteConfirmationViewModel::confirmed, model, &Model::cancelPendingWrite);
+}
+
+template <typename Model> void startLoading(QObject* model) {
+    static_cast<Model*>(model)->startLoad(false);
+}
+
+} // namespace
+
+SectionRegistry makeSectionRegistry() {
+    SectionRegistry registry;
+    registry.add({SidebarSection::Overview,
+                  QUrl(u"qrc:/qml/workspace/OverviewPage.qml"_s),
+                  [](const SectionContext& context) -> QObject* {
+                      return new OverviewViewModel(context.state, context.app, context.parent);
+                  },
+                  {}});
+    registry.add({SidebarSection::AppStoreOptimization, QUrl(u"qrc:/qml/metadata/MetadataPage.qml"_s),
+                  [](const SectionContext& context) -> QObject* {
+                      auto* model = new MetadataViewModel(context.state, context.app, context.parent);
+                      presentWritesOf(model, context.presenter);
+                      return model;
+                  },
+                  startLoading<MetadataViewModel>});
+    registry.add({SidebarSection::Releases, QUrl(u"qrc:/qml/release/VersionsPage.qml"_s),
+                  [](const SectionContext& context) -> QObject* {
+                      return new VersionsListViewModel(context.state, context.app, context.parent);
+                  },
+                  startLoading<VersionsListViewModel>});
+    return registry;
+}
