@@ -152,6 +152,53 @@ private Q_SLOTS:
         appWindow->close();
     }
 
+    // The list of an account that is no longer selected must not replace the list of the one that
+    // is: A's answer is held back, B is chosen in the switcher and answers, then A's comes.
+    void aLateListOfAnotherAccountIsDropped() {
+        Platform platform = demoPlatform();
+        auto apple = std::static_pointer_cast<FakeTransport>(platform.transport);
+        const auto appsOf = [](const HttpRequest& request) {
+            QByteArray token;
+            for (const auto& [name, value] : request.headers) {
+                if (name.compare("Authorization", Qt::CaseInsensitive) == 0) {
+                    token = value.mid(int(qstrlen("Bearer ")));
+                }
+            }
+            const QByteArray header =
+                QByteArray::fromBase64(token.split('.').value(0), QByteArray::Base64UrlEncoding);
+            const bool isB = header.contains("BBBBB22222");
+            return FakeTransport::Answer::json(
+                200,
+                isB ? R"({"data":[{"type":"apps","id":"b1","attributes":{"name":"Brandung","bundleId":"com.b"}}]})"
+                    : R"({"data":[{"type":"apps","id":"a1","attributes":{"name":"Anker","bundleId":"com.a"}}]})");
+        };
+        apple->route("GET", u"/v1/apps"_s, appsOf);
+        start(platform);
+        const QByteArray key = makeTestKey().privateKeyPEM;
+        VarnisTest::awaitTask(m_state->accountStore().addAccount(
+            u"A"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s, u"AAAAA11111"_s, key));
+        VarnisTest::awaitTask(m_state->accountStore().addAccount(
+            u"B"_s, u"57246542-96fe-1a63-e053-0824d011072b"_s, u"BBBBB22222"_s, key));
+        m_state->accountStore().setSelectedAccountID(m_state->accountStore().accounts().first().id);
+        apple->holdReplies(true);
+        show();
+        QTRY_COMPARE(apple->heldCount(), 1);
+        apple->holdReplies(false);
+
+        QQuickWindow* main = mainWindow();
+        QVERIFY(clickNamed(main, u"accountSwitcher"_s));
+        QTest::keyClick(main, Qt::Key_Down);
+        QTest::keyClick(main, Qt::Key_Return);
+        AppListModel* apps = m_shell->workspace()->allApps();
+        QTRY_COMPARE(apps->count(), 1);
+        QTRY_COMPARE(apps->index(0).data(AppListModel::NameRole).toString(), u"Brandung"_s);
+        apple->releaseHeld();
+        QTest::qWait(0);
+        QCoreApplication::processEvents();
+        QCOMPARE(apps->index(0).data(AppListModel::NameRole).toString(), u"Brandung"_s);
+        QVERIFY(!m_shell->workspace()->isLoadingApps());
+    }
+
     // Choosing an app, its overview and "Alle Apps" in turn, by mouse and keyboard: the overview's
     // layout once outlived its rows and the window crashed by the second or third round.
     void overviewAndAllAppsInTurn() {
