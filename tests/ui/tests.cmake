@@ -12,3 +12,11 @@ function(varnis_add_ui_test name)
 endfunction()
 
 varnis_add_ui_test(tst_ui ${CMAKE_CURRENT_LIST_DIR}/tst_ui.cpp)
+
+# The random walk: longer in the sanitizer build, where it is most likely to find a use after free.
+varnis_add_ui_test(tst_soak ${CMAKE_CURRENT_LIST_DIR}/tst_soak.cpp)
+if(VARNIS_SANITIZE)
+  target_compile_definitions(tst_soak PRIVATE VARNIS_SOAK_STEPS=600)
+else()
+  target_compile_definitions(tst_soak PRIVATE VARNIS_SOAK_STEPS=300)
+endif()
