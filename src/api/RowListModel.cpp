@@ -1,5 +1,7 @@
 #include "api/RowListModel.h"
 
+#include <QSet>
+
 RowListModel::RowListModel(QList<QByteArray> roleNames, QObject* parent)
     : QAbstractListModel(parent), m_roleNames(std::move(roleNames)) {}
 
@@ -57,21 +59,63 @@ void RowListModel::setRow(int index, const Row& row) {
     Q_EMIT dataChanged(at, at, changed);
 }
 
+namespace {
+QString keyOf(const RowListModel::Row& row) {
+    return row.isEmpty() ? QString() : row.first().toString();
+}
+} // namespace
+
 void RowListModel::setRows(const QList<Row>& rows) {
     const qsizetype before = m_rows.size();
-    for (int target = 0; target < rows.size(); ++target) {
-        const QVariant key = rows[target].isEmpty() ? QVariant() : rows[target].first();
+    // Rows whose key is gone leave first, a run at a time, so that a filter that narrows a
+    // thousand rows to ten costs a few signals, not a thousand.
+    QSet<QString> wanted;
+    wanted.reserve(rows.size());
+    for (const Row& row : rows) {
+        wanted.insert(keyOf(row));
+    }
+    for (int last = int(m_rows.size()) - 1; last >= 0;) {
+        if (wanted.contains(keyOf(m_rows[last]))) {
+            --last;
+            continue;
+        }
+        int first = last;
+        while (first > 0 && !wanted.contains(keyOf(m_rows[first - 1]))) {
+            --first;
+        }
+        beginRemoveRows({}, first, last);
+        m_rows.remove(first, last - first + 1);
+        endRemoveRows();
+        last = first - 1;
+    }
+    QSet<QString> present;
+    present.reserve(m_rows.size());
+    for (const Row& row : std::as_const(m_rows)) {
+        present.insert(keyOf(row));
+    }
+    for (int target = 0; target < rows.size();) {
+        const QString key = keyOf(rows[target]);
         int found = -1;
-        for (int i = target; i < m_rows.size(); ++i) {
-            if (!m_rows[i].isEmpty() && m_rows[i].first() == key) {
-                found = i;
-                break;
+        if (present.contains(key)) {
+            for (int i = target; i < m_rows.size(); ++i) {
+                if (keyOf(m_rows[i]) == key) {
+                    found = i;
+                    break;
+                }
             }
         }
         if (found < 0) {
-            beginInsertRows({}, target, target);
-            m_rows.insert(target, rows[target]);
+            // New rows come in runs as well.
+            int end = target + 1;
+            while (end < rows.size() && !present.contains(keyOf(rows[end]))) {
+                ++end;
+            }
+            beginInsertRows({}, target, end - 1);
+            for (int i = target; i < end; ++i) {
+                m_rows.insert(i, rows[i]);
+            }
             endInsertRows();
+            target = end;
             continue;
         }
         if (found != target) {
@@ -80,6 +124,7 @@ void RowListModel::setRows(const QList<Row>& rows) {
             endMoveRows();
         }
         setRow(target, rows[target]);
+        ++target;
     }
     if (m_rows.size() > rows.size()) {
         beginRemoveRows({}, int(rows.size()), int(m_rows.size()) - 1);

@@ -3,109 +3,111 @@
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 
+#include <QCollator>
+#include <QSet>
+
 using namespace Qt::StringLiterals;
 
 AppListModel::AppListModel(AppState& state, Kind kind, QObject* parent)
-    : QAbstractListModel(parent), m_state(state), m_kind(kind) {
+    : RowListModel({"appId", "name", "bundleID", "accountName", "subtitle", "isFavorite", "isSelected",
+                    "accessibleName"},
+                   parent),
+      m_state(state), m_kind(kind) {
     connect(&state, &AppState::appsChanged, this, &AppListModel::refresh);
     connect(&state, &AppState::selectedAppChanged, this, &AppListModel::refresh);
     connect(&state.preferences(), &AppPreferencesStore::changed, this, &AppListModel::refresh);
-    m_rows = computeRows();
+    refresh();
 }
 
-QList<AppListModel::Row> AppListModel::computeRows() const {
+void AppListModel::setFilter(const QString& text) {
+    const QString trimmed = text.trimmed();
+    if (trimmed == m_filter) {
+        return;
+    }
+    m_filter = trimmed;
+    refresh();
+}
+
+void AppListModel::setFrozen(bool frozen) {
+    m_frozen = frozen;
+    if (!frozen && m_stale) {
+        refresh();
+    }
+}
+
+QList<RowListModel::Row> AppListModel::computeRows() const {
     const auto& favorites = m_state.preferences().favoriteAppIDs();
+    const QStringList recent = m_state.preferences().recentAppIDs();
     const QString selectedID = m_state.selectedApp() ? m_state.selectedApp()->id : QString();
-    auto rowFor = [&](const ManagedApp& app) {
-        return Row{app, favorites.contains(app.id), app.id == selectedID};
+    // The selected app is marked once, in the first list that shows it.
+    bool marksSelection = true;
+    if (m_kind == Kind::Recent) {
+        marksSelection = !favorites.contains(selectedID);
+    } else if (m_kind == Kind::All) {
+        marksSelection = !favorites.contains(selectedID) && !recent.contains(selectedID);
+    }
+    const auto matches = [this](const ManagedApp& app) {
+        return m_filter.isEmpty() || app.name.contains(m_filter, Qt::CaseInsensitive) ||
+               app.bundleID.contains(m_filter, Qt::CaseInsensitive);
     };
-    QList<Row> rows;
+    const auto rowFor = [&](const ManagedApp& app) {
+        const QString subtitle = app.accountName ? app.bundleID + u" · "_s + *app.accountName : app.bundleID;
+        const bool isFavorite = favorites.contains(app.id);
+        return Row{app.id,
+                   app.name,
+                   app.bundleID,
+                   app.accountName.value_or(QString()),
+                   subtitle,
+                   isFavorite,
+                   marksSelection && app.id == selectedID,
+                   app.name + u", "_s + subtitle + (isFavorite ? u", Favorit"_s : QString())};
+    };
+    QList<const ManagedApp*> apps;
     switch (m_kind) {
     case Kind::All:
-        rows.reserve(m_state.apps().size());
-        for (const auto& app : m_state.apps()) {
-            rows.append(rowFor(app));
-        }
-        break;
     case Kind::Favorites:
         for (const auto& app : m_state.apps()) {
-            if (favorites.contains(app.id)) {
-                rows.append(rowFor(app));
+            if (m_kind == Kind::All || favorites.contains(app.id)) {
+                apps.append(&app);
             }
+        }
+        {
+            QCollator collator(QLocale(QLocale::German, QLocale::Germany));
+            collator.setCaseSensitivity(Qt::CaseInsensitive);
+            std::stable_sort(apps.begin(), apps.end(), [&collator](const ManagedApp* a, const ManagedApp* b) {
+                return collator.compare(a->name, b->name) < 0;
+            });
         }
         break;
     case Kind::Recent: {
         // Newest first, as used; an id whose app is not in the list (another account) is skipped.
-        QHash<QString, qsizetype> index;
-        for (qsizetype i = 0; i < m_state.apps().size(); ++i) {
-            index.insert(m_state.apps()[i].id, i);
+        QHash<QString, const ManagedApp*> byID;
+        for (const auto& app : m_state.apps()) {
+            byID.insert(app.id, &app);
         }
-        for (const auto& id : m_state.preferences().recentAppIDs()) {
-            if (auto it = index.constFind(id); it != index.cend()) {
-                rows.append(rowFor(m_state.apps()[*it]));
+        for (const auto& id : recent) {
+            if (const ManagedApp* app = byID.value(id)) {
+                apps.append(app);
             }
         }
         break;
     }
+    }
+    QList<Row> rows;
+    rows.reserve(apps.size());
+    for (const ManagedApp* app : std::as_const(apps)) {
+        if (matches(*app)) {
+            rows.append(rowFor(*app));
+        }
     }
     return rows;
 }
 
 void AppListModel::refresh() {
-    QList<Row> rows = computeRows();
-    const bool sameApps = rows.size() == m_rows.size() &&
-                          std::equal(rows.cbegin(), rows.cend(), m_rows.cbegin(),
-                                     [](const Row& a, const Row& b) { return a.app.id == b.app.id; });
-    if (!sameApps) {
-        beginResetModel();
-        m_rows = std::move(rows);
-        endResetModel();
-        Q_EMIT countChanged();
+    if (m_frozen) {
+        m_stale = true;
         return;
     }
-    // Same apps in the same order: only tell about the rows that changed.
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (!(rows[i] == m_rows[i])) {
-            m_rows[i] = rows[i];
-            const QModelIndex changed = index(int(i));
-            Q_EMIT dataChanged(changed, changed);
-        }
-    }
-}
-
-int AppListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_rows.size());
-}
-
-QVariant AppListModel::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
-        return {};
-    }
-    const Row& row = m_rows[index.row()];
-    switch (role) {
-    case Qt::DisplayRole:
-    case NameRole:
-        return row.app.name;
-    case AppIdRole:
-        return row.app.id;
-    case BundleIdRole:
-        return row.app.bundleID;
-    case AccountNameRole:
-        return row.app.accountName.value_or(QString());
-    case SubtitleRole:
-        return row.app.accountName ? row.app.bundleID + u" · "_s + *row.app.accountName : row.app.bundleID;
-    case IsFavoriteRole:
-        return row.isFavorite;
-    case IsSelectedRole:
-        return row.isSelected;
-    default:
-        return {};
-    }
-}
-
-QHash<int, QByteArray> AppListModel::roleNames() const {
-    return {{AppIdRole, "appId"},          {NameRole, "name"},
-            {BundleIdRole, "bundleID"},    {AccountNameRole, "accountName"},
-            {SubtitleRole, "subtitle"},    {IsFavoriteRole, "isFavorite"},
-            {IsSelectedRole, "isSelected"}};
+    m_stale = false;
+    setRows(computeRows());
 }

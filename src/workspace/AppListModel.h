@@ -1,53 +1,43 @@
 #pragma once
 
-#include "workspace/ManagedApp.h"
-
-#include <QAbstractListModel>
-#include <QPointer>
+#include "api/RowListModel.h"
 
 class AppState;
 
-// One of the three lists of the sidebar: favourites, recently used apps, or all apps. A list
-// model rather than an array, so that a list of a thousand apps stays fluid and a changed
-// favourite mark touches one row.
-class AppListModel : public QAbstractListModel {
+// One of the three lists of the sidebar: favourites, recently used apps, or all apps, each
+// narrowed by the filter text. A list model changed in place, so that a list of a thousand apps
+// stays fluid and a changed favourite mark touches one row.
+class AppListModel : public RowListModel {
     Q_OBJECT
-    Q_PROPERTY(int count READ count NOTIFY countChanged)
 public:
     enum class Kind { Favorites, Recent, All };
     enum Role {
-        AppIdRole = Qt::UserRole + 1,
+        AppIdRole = FirstRole,
         NameRole,
         BundleIdRole,
         AccountNameRole,
         SubtitleRole,
         IsFavoriteRole,
         IsSelectedRole,
+        AccessibleNameRole,
     };
 
     AppListModel(AppState& state, Kind kind, QObject* parent = nullptr);
 
-    int rowCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QHash<int, QByteArray> roleNames() const override;
-    int count() const { return int(m_rows.size()); }
-
     // Recomputes the rows from the application state.
     void refresh();
-
-Q_SIGNALS:
-    void countChanged();
+    // Only apps whose name or bundle id holds this text, in any case.
+    void setFilter(const QString& text);
+    // While frozen the rows stay where they are (the pointer is over them); the changes come when
+    // it thaws.
+    void setFrozen(bool frozen);
 
 private:
-    struct Row {
-        ManagedApp app;
-        bool isFavorite = false;
-        bool isSelected = false;
-        friend bool operator==(const Row&, const Row&) = default;
-    };
     QList<Row> computeRows() const;
 
     AppState& m_state;
     Kind m_kind;
-    QList<Row> m_rows;
+    QString m_filter;
+    bool m_frozen = false;
+    bool m_stale = false;
 };

@@ -17,6 +17,7 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
       m_recents(new AppListModel(state, AppListModel::Kind::Recent, this)),
       m_all(new AppListModel(state, AppListModel::Kind::All, this)),
       m_sections(new SectionHost(state, registry, presenter, this)) {
+    connect(m_all, &AppListModel::countChanged, this, &WorkspaceViewModel::noMatchTextChanged);
     const auto demoOrAccount = [this] {
         Q_EMIT isDemoActiveChanged();
         Q_EMIT isDemoModeEnabledChanged();
@@ -177,6 +178,30 @@ void WorkspaceViewModel::selectApp(const QString& appID) {
             return;
         }
     }
+}
+
+void WorkspaceViewModel::setAppFilter(const QString& text) {
+    if (m_filter == text) {
+        return;
+    }
+    m_filter = text;
+    for (AppListModel* list : {m_favorites, m_recents, m_all}) {
+        list->setFilter(text);
+    }
+    Q_EMIT appFilterChanged();
+    Q_EMIT noMatchTextChanged();
+}
+
+QString WorkspaceViewModel::noMatchText() const {
+    if (m_filter.trimmed().isEmpty() || m_all->count() > 0) {
+        return QString();
+    }
+    return u"Keine App passt zu „%1“."_s.arg(m_filter.trimmed());
+}
+
+void WorkspaceViewModel::setPointerOverAppLists(bool over) {
+    m_favorites->setFrozen(over);
+    m_recents->setFrozen(over);
 }
 
 void WorkspaceViewModel::toggleFavorite(const QString& appID) {

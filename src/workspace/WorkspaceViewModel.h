@@ -31,6 +31,8 @@ class WorkspaceViewModel : public QObject {
     Q_PROPERTY(QString allAppsTitle READ allAppsTitle NOTIFY isLoadingAppsChanged)
     Q_PROPERTY(QString appsError READ appsError NOTIFY appsErrorChanged)
     Q_PROPERTY(QString cacheAgeText READ cacheAgeText NOTIFY cacheAgeTextChanged)
+    Q_PROPERTY(QString appFilter READ appFilter WRITE setAppFilter NOTIFY appFilterChanged)
+    Q_PROPERTY(QString noMatchText READ noMatchText NOTIFY noMatchTextChanged)
     Q_PROPERTY(AppListModel* favoriteApps READ favoriteApps CONSTANT)
     Q_PROPERTY(AppListModel* recentApps READ recentApps CONSTANT)
     Q_PROPERTY(AppListModel* allApps READ allApps CONSTANT)
@@ -66,6 +68,10 @@ public:
     QString allAppsTitle() const;
     QString appsError() const;
     QString cacheAgeText() const;
+    QString appFilter() const { return m_filter; }
+    void setAppFilter(const QString& text);
+    // Shown instead of the list when the filter leaves no app.
+    QString noMatchText() const;
     AppListModel* favoriteApps() const { return m_favorites; }
     AppListModel* recentApps() const { return m_recents; }
     AppListModel* allApps() const { return m_all; }
@@ -94,6 +100,9 @@ public:
     Q_INVOKABLE void goToSection(int position);
     Q_INVOKABLE void openInNewWindow();
     Q_INVOKABLE bool isFavorite(const QString& appID) const;
+    // While the pointer is over the app lists, the short lists above "Alle Apps" keep their size,
+    // so that the row under the pointer stays the row that gets the click.
+    Q_INVOKABLE void setPointerOverAppLists(bool over);
 
     // Start-up: the list, from the disk cache first and the network behind.
     QCoro::Task<> loadAsync(bool forceRefresh);
@@ -111,6 +120,8 @@ Q_SIGNALS:
     void selectedAppIDChanged();
     void windowTitleChanged();
     void isOnboardingPresentedChanged();
+    void appFilterChanged();
+    void noMatchTextChanged();
     void appWindowRequested(const QString& appID);
 
 private:
@@ -122,4 +133,5 @@ private:
     AppListModel* m_all;
     SectionHost* m_sections;
     bool m_onboarding = false;
+    QString m_filter;
 };

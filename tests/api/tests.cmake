@@ -6,3 +6,4 @@ varnis_add_test(NAME tst_http LABEL integration SOURCES ${CMAKE_CURRENT_LIST_DIR
 varnis_add_test(NAME tst_accounts LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_accounts.cpp)
 varnis_add_test(NAME tst_stores LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_stores.cpp)
 varnis_add_test(NAME tst_viewmodels LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_viewmodels.cpp)
+varnis_add_test(NAME tst_presentation LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_presentation.cpp)

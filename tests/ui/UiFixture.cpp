@@ -163,6 +163,12 @@ QQuickItem* UiFixture::rowItem(QQuickWindow* window, const QString& listName, in
     QQuickItem* list = findItem(window, listName);
     if (!list) {
         qWarning("no visible list named %s", qPrintable(listName));
+        if (auto* hidden = window->findChild<QQuickItem*>(listName)) {
+            for (QQuickItem* item = hidden; item; item = item->parentItem()) {
+                qWarning("  %s %s visible=%d %gx%g", item->metaObject()->className(),
+                         qPrintable(item->objectName()), item->isVisible(), item->width(), item->height());
+            }
+        }
         return nullptr;
     }
     QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0 /* Beginning */));

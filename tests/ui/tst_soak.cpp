@@ -47,7 +47,11 @@ private Q_SLOTS:
             const QByteArray where =
                 "seed " + QByteArray::number(seed) + ", step " + QByteArray::number(step);
             activate(main);
-            switch (random.bounded(10)) {
+            const int action = int(random.bounded(10));
+            if (qEnvironmentVariableIsSet("VARNIS_SOAK_TRACE")) {
+                qInfo("step %d: action %d", step, action);
+            }
+            switch (action) {
             case 0:
             case 1:
                 QVERIFY2(clickRow(main, u"allAppsList"_s, int(random.bounded(workspace->allApps()->count()))),

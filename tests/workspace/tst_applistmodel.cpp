@@ -99,8 +99,46 @@ private Q_SLOTS:
         }
         QCOMPARE(recent.rowCount(), 2);
         QCOMPARE(recent.index(0).data(AppListModel::AppIdRole).toString(), u"7"_s);
-        QCOMPARE(all.index(7).data(AppListModel::IsSelectedRole).toBool(), true);
-        QCOMPARE(all.index(3).data(AppListModel::IsSelectedRole).toBool(), false);
+        // The selected app is marked once, in the first list that shows it.
+        QCOMPARE(recent.index(0).data(AppListModel::IsSelectedRole).toBool(), true);
+        QCOMPARE(all.index(7).data(AppListModel::IsSelectedRole).toBool(), false);
+
+        // While the pointer rests on the lists, a new recent entry waits instead of pushing rows.
+        recent.setFrozen(true);
+        m_state->selectApp(m_state->apps()[42]);
+        QCOMPARE(recent.rowCount(), 2);
+        recent.setFrozen(false);
+        QCOMPARE(recent.rowCount(), 3);
+        QCOMPARE(recent.index(0).data(AppListModel::AppIdRole).toString(), u"42"_s);
+    }
+
+    void filterNarrowsInPlace_data() {
+        QTest::addColumn<QString>("filter");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<QString>("first");
+        QTest::newRow("part of the name, any case") << u"app 012"_s << 10 << u"120"_s;
+        QTest::newRow("bundle id") << u"COM.X999"_s << 1 << u"999"_s;
+        QTest::newRow("spaces around") << u"  App 0999 "_s << 1 << u"999"_s;
+        QTest::newRow("nothing") << u"zzz"_s << 0 << QString();
+        QTest::newRow("empty shows all") << QString() << 1000 << u"0"_s;
+    }
+
+    void filterNarrowsInPlace() {
+        QFETCH(QString, filter);
+        QFETCH(int, rows);
+        QFETCH(QString, first);
+        AppListModel all(*m_state, AppListModel::Kind::All);
+        QAbstractItemModelTester tester(&all, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        VarnisTest::awaitTask(m_state->loadApps(false));
+        QSignalSpy resets(&all, &QAbstractItemModel::modelReset);
+        all.setFilter(filter);
+        QCOMPARE(all.rowCount(), rows);
+        QCOMPARE(resets.count(), 0);
+        if (rows > 0) {
+            QCOMPARE(all.index(0).data(AppListModel::AppIdRole).toString(), first);
+        }
+        all.setFilter(QString());
+        QCOMPARE(all.rowCount(), 1000);
     }
 
     // The sidebar shows the sections in the order Ctrl+1…9 count, each heading once, and marks

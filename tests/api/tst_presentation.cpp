@@ -1,0 +1,124 @@
+#include "api/ModelOperation.h"
+#include "api/RowListModel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QList<RowListModel::Row> rowsOf(const QString& spec) {
+    // "a1 b1 c2": key a with value 1, …
+    QList<RowListModel::Row> rows;
+    for (const QString& entry : spec.split(u' ', Qt::SkipEmptyParts)) {
+        rows.append({entry.left(1), entry.mid(1)});
+    }
+    return rows;
+}
+} // namespace
+
+// The two pieces every presentation model stands on: a list that changes in place, and an
+// operation that drops the answers of superseded runs.
+class PresentationTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void rowsChangeInPlace_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<int>("changedRows");
+        QTest::newRow("same") << u"a1 b1 c1"_s << u"a1 b1 c1"_s << 0;
+        QTest::newRow("one value") << u"a1 b1 c1"_s << u"a1 b2 c1"_s << 1;
+        QTest::newRow("insert in the middle") << u"a1 c1"_s << u"a1 b1 c1"_s << 0;
+        QTest::newRow("remove runs") << u"a1 b1 c1 d1 e1"_s << u"a1 e1"_s << 0;
+        QTest::newRow("move up") << u"a1 b1 c1"_s << u"c1 a1 b1"_s << 0;
+        QTest::newRow("move down and change") << u"a1 b1 c1"_s << u"b1 c1 a2"_s << 1;
+        QTest::newRow("everything new") << u"a1 b1"_s << u"x1 y1 z1"_s << 0;
+        QTest::newRow("to empty") << u"a1 b1"_s << QString() << 0;
+        QTest::newRow("from empty") << QString() << u"a1 b1"_s << 0;
+        QTest::newRow("repeated key") << u"a1 a2"_s << u"a2 a1 a3"_s << 2;
+    }
+
+    void rowsChangeInPlace() {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QFETCH(int, changedRows);
+        RowListModel model({"key", "value"});
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setRows(rowsOf(from));
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy counts(&model, &RowListModel::countChanged);
+        model.setRows(rowsOf(to));
+        QCOMPARE(model.rows(), rowsOf(to));
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(changes.size(), changedRows);
+        QCOMPARE(counts.size(), rowsOf(from).size() == rowsOf(to).size() ? 0 : 1);
+        QCOMPARE(model.data(model.index(0), RowListModel::FirstRole + 1),
+                 rowsOf(to).isEmpty() ? QVariant() : rowsOf(to).first().at(1));
+    }
+
+    // The row under the user's cursor keeps its place in the view: only the role that changed is
+    // reported.
+    void changedRolesOnly() {
+        RowListModel model({"key", "text", "count"});
+        model.setRows({{u"k"_s, u"ab"_s, 2}});
+        QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+        model.setRows({{u"k"_s, u"ab"_s, 3}});
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(changes.first().at(2).value<QList<int>>(), QList<int>{RowListModel::FirstRole + 2});
+    }
+
+    void supersededRunsAreDropped() {
+        ModelOperation operation;
+        QSignalSpy busy(&operation, &ModelOperation::busyChanged);
+        QSignalSpy errors(&operation, &ModelOperation::errorChanged);
+        auto first = operation.start();
+        QVERIFY(first);
+        QVERIFY(operation.isBusy());
+        auto second = operation.start();
+        QVERIFY(!first);
+        QVERIFY(second);
+        // The old run's failure is not the user's business any more.
+        first.fail(u"Alt"_s);
+        QVERIFY(operation.isBusy());
+        QCOMPARE(operation.errorText(), QString());
+        second.fail(u"Neu"_s);
+        QVERIFY(!operation.isBusy());
+        QCOMPARE(operation.errorText(), u"Neu"_s);
+        QCOMPARE(busy.size(), 2);
+        QCOMPARE(errors.size(), 1);
+        // A new start clears the error of the last one.
+        auto third = operation.start();
+        QCOMPARE(operation.errorText(), QString());
+        third.succeed();
+        QVERIFY(!operation.isBusy());
+    }
+
+    void aRunThatEndsEarlyIsNotBusyForever() {
+        ModelOperation operation;
+        {
+            auto run = operation.start();
+            QVERIFY(operation.isBusy());
+        }
+        QVERIFY(!operation.isBusy());
+        auto moved = [&operation] {
+            return operation.start();
+        }();
+        QVERIFY(moved);
+        operation.abandon();
+        QVERIFY(!moved);
+        QVERIFY(!operation.isBusy());
+    }
+
+    void theModelGoingAwayEndsItsRuns() {
+        auto operation = std::make_unique<ModelOperation>();
+        auto run = operation->start();
+        operation.reset();
+        QVERIFY(!run);
+        run.succeed();
+    }
+};
+
+QTEST_GUILESS_MAIN(PresentationTest)
+#include "tst_presentation.moc"
