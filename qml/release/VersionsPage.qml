@@ -8,12 +8,21 @@ ColumnLayout {
     required property var model
     spacing: 6
 
-    Label {
+    RowLayout {
         Layout.fillWidth: true
-        visible: text !== ""
-        text: page.model.errorMessage
-        color: "#8a1c1c"
-        wrapMode: Text.Wrap
+        visible: page.model.errorMessage !== ""
+        Label {
+            Layout.fillWidth: true
+            text: page.model.errorMessage
+            color: "#8a1c1c"
+            wrapMode: Text.Wrap
+        }
+        Button {
+            objectName: "retryVersionsButton"
+            text: page.model.retryLabel
+            enabled: !page.model.isLoading
+            onClicked: page.model.retry()
+        }
     }
     BusyIndicator {
         visible: page.model.isLoading
@@ -41,6 +50,7 @@ ColumnLayout {
             required property string buildText
             required property string createdText
             width: list.width
+            // Long state names elide instead of pushing the build off the row.
             Accessible.name: "Version " + versionString + ", " + stateName + ", " + buildText
             contentItem: RowLayout {
                 Label {
@@ -51,14 +61,18 @@ ColumnLayout {
                 Label {
                     text: version.stateName
                     Layout.preferredWidth: 220
+                    Layout.maximumWidth: 220
+                    elide: Text.ElideRight
                 }
                 Label {
                     text: version.buildText
                     Layout.fillWidth: true
+                    elide: Text.ElideRight
                 }
                 Label {
                     text: version.createdText
                     color: palette.placeholderText
+                    elide: Text.ElideRight
                 }
             }
         }

@@ -1,6 +1,7 @@
 #include "api/ModelOperation.h"
 
 #include "platform/VarnisError.h"
+#include "wire/VelmoraAPIError.h"
 
 #include <utility>
 
@@ -44,6 +45,17 @@ void ModelOperation::Run::fail(const QString& message) {
 
 void ModelOperation::Run::fail(const std::exception& error) {
     end(describeError(error));
+}
+
+void ModelOperation::Run::fail(const QString& leadIn, const std::exception& error) {
+    end(failureText(leadIn, error));
+}
+
+QString ModelOperation::failureText(const QString& leadIn, const std::exception& error) {
+    const auto* apiError = dynamic_cast<const VelmoraAPIError*>(&error);
+    const bool answered = apiError && apiError->status() > 0;
+    return leadIn + (answered ? QStringLiteral(" (HTTP %1)").arg(apiError->status()) : QString()) +
+           QStringLiteral(": ") + describeError(error);
 }
 
 void ModelOperation::Run::end(const QString& error) {

@@ -38,6 +38,9 @@ public:
         void fail(const QString& message);
         // Ends the run with the German description of whatever was raised.
         void fail(const std::exception& error);
+        // The same behind a lead-in that says what failed: "Versionen konnten nicht geladen werden
+        // (HTTP 404): …", the status only where Apple answered.
+        void fail(const QString& leadIn, const std::exception& error);
 
     private:
         friend class ModelOperation;
@@ -58,6 +61,9 @@ public:
     // Publishes an error that does not come from a run (a check before anything started).
     void setError(const QString& message);
     void clearError() { setError(QString()); }
+
+    // "lead-in (HTTP n): description" for an answer from Apple, "lead-in: description" otherwise.
+    static QString failureText(const QString& leadIn, const std::exception& error);
 
     bool isBusy() const { return m_busy; }
     const QString& errorText() const { return m_error; }

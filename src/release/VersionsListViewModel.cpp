@@ -45,8 +45,7 @@ bool VersionsListViewModel::isLoading() const {
 }
 
 QString VersionsListViewModel::errorMessage() const {
-    return m_loading->hasError() ? u"Versionen konnten nicht geladen werden: "_s + m_loading->errorText()
-                                 : QString();
+    return m_loading->errorText();
 }
 
 bool VersionsListViewModel::isEmpty() const {
@@ -104,6 +103,6 @@ QCoro::Task<> VersionsListViewModel::load(bool forceRefresh) {
         m_rows->setRows(rows);
         run.succeed();
     } catch (const std::exception& error) {
-        run.fail(error);
+        run.fail(u"Versionen konnten nicht geladen werden"_s, error);
     }
 }

@@ -59,9 +59,10 @@ QList<VelmoraVersion> MockData::versions(const QString& appID, const QDateTime& 
     };
     using S = ASCAppStoreVersionState::Case;
     return {
-        version(u"-v3"_s, u"2.3"_s, S::PrepareForSubmission, ASCReleaseType::Manual, 2 * day),
-        version(u"-v2"_s, u"2.2"_s, S::ReadyForSale, ASCReleaseType::AfterApproval, 14 * day),
-        version(u"-v1"_s, u"2.1"_s, S::ReplacedWithNewVersion, ASCReleaseType::AfterApproval, 60 * day),
+        // The version in preparation is the one the store-text editor shows in demo mode.
+        version(u"-v3"_s, u"3.1.0"_s, S::PrepareForSubmission, ASCReleaseType::Manual, 2 * day),
+        version(u"-v2"_s, u"3.0.2"_s, S::ReadyForSale, ASCReleaseType::AfterApproval, 14 * day),
+        version(u"-v1"_s, u"3.0.1"_s, S::ReplacedWithNewVersion, ASCReleaseType::AfterApproval, 60 * day),
     };
 }
 
@@ -122,39 +123,114 @@ ManagedReviewResponse MockData::reviewResponse(const QString& reviewID, const QD
     return r;
 }
 
+namespace {
+
+// The texts of one language of a sample app; each app's texts are about what that app does.
+struct SampleTexts {
+    QString subtitle;
+    QString description;
+    QString keywords;
+    QString promotionalText;
+    QString whatsNew;
+};
+
+struct SampleApp {
+    QString slug;
+    SampleTexts de;
+    SampleTexts en;
+};
+
+const QList<SampleApp>& sampleTexts() {
+    static const QList<SampleApp> apps{
+        {u"aurorajournal"_s,
+         {u"Dein Tag, schön festgehalten"_s,
+          u"Aurora Journal hält deinen Tag fest: Gedanken, Fotos und Stimmungen an einem ruhigen Ort, "
+          u"synchron auf iPhone und iPad und ohne Werbung."_s,
+          u"tagebuch,journal,stimmung,fotos,erinnerungen,achtsamkeit"_s,
+          u"Neu: Themes für Nachteulen und ein schnellerer Export."_s,
+          u"• Export großer Tagebücher ist schneller und stabiler\n• Neue dunkle Themes\n• Kleinere Fehlerbehebungen"_s},
+         {u"Your day, beautifully kept"_s,
+          u"Aurora Journal keeps your day: thoughts, photos and moods in one calm place, in sync on iPhone "
+          u"and iPad, with no ads."_s,
+          u"diary,journal,mood,photos,memories,mindfulness"_s,
+          u"New: themes for night owls and a faster export."_s,
+          u"• Exporting large journals is faster and more reliable\n• New dark themes\n• Minor fixes"_s}},
+        {u"fjordweather"_s,
+         {u"Wetter für Küste und Berge"_s,
+          u"Fjord Weather zeigt Wind, Wellen und Regen Stunde für Stunde – mit Warnungen für deine Orte "
+          u"an der Küste und in den Bergen."_s,
+          u"wetter,wind,regen,radar,küste,wandern"_s, u"Neu: Wellenhöhe und Gezeiten für 400 Häfen."_s,
+          u"• Gezeiten für 400 Häfen\n• Radar lädt schneller\n• Kleinere Fehlerbehebungen"_s},
+         {u"Weather for coast and mountains"_s,
+          u"Fjord Weather shows wind, waves and rain hour by hour, with alerts for your places on the "
+          u"coast and in the mountains."_s,
+          u"weather,wind,rain,radar,coast,hiking"_s, u"New: wave height and tides for 400 harbours."_s,
+          u"• Tides for 400 harbours\n• Faster radar\n• Minor fixes"_s}},
+        {u"runestonenotes"_s,
+         {u"Notizen, die sich finden"_s,
+          u"Runestone Notes sammelt Notizen, Listen und Skizzen und findet sie wieder – mit Schlagworten, "
+          u"Volltextsuche und Sync über all deine Geräte."_s,
+          u"notizen,listen,skizzen,suche,markdown,sync"_s, u"Neu: Markdown-Tabellen und Schnellnotizen."_s,
+          u"• Tabellen in Markdown\n• Schnellnotiz aus dem Widget\n• Kleinere Fehlerbehebungen"_s},
+         {u"Notes that find themselves"_s,
+          u"Runestone Notes collects notes, lists and sketches and finds them again, with tags, full-text "
+          u"search and sync across your devices."_s,
+          u"notes,lists,sketches,search,markdown,sync"_s, u"New: Markdown tables and quick notes."_s,
+          u"• Markdown tables\n• Quick note from the widget\n• Minor fixes"_s}},
+        {u"varnisbudget"_s,
+         {u"Haushaltsbuch ohne Tabellen"_s,
+          u"Varnis Budget ordnet Ausgaben und Einnahmen, zeigt, wohin das Geld geht, und erinnert an "
+          u"Abos und Rechnungen – ohne Werbung und ohne Bankzugang."_s,
+          u"budget,haushaltsbuch,ausgaben,finanzen,sparen,abos"_s,
+          u"Neu: Sparziele mit Fortschritt im Widget."_s,
+          u"• Sparziele im Widget\n• CSV-Import für weitere Banken\n• Kleinere Fehlerbehebungen"_s},
+         {u"A budget without spreadsheets"_s,
+          u"Varnis Budget sorts spending and income, shows where the money goes and reminds you of "
+          u"subscriptions and bills, with no ads and no bank login."_s,
+          u"budget,expenses,finance,savings,money,subscriptions"_s,
+          u"New: savings goals with progress in the widget."_s,
+          u"• Savings goals in the widget\n• CSV import for more banks\n• Minor fixes"_s}},
+    };
+    return apps;
+}
+
+} // namespace
+
 QList<ManagedLocalization> MockData::localizations(const QString& appID) {
     const QString name = appName(appID);
-    ManagedLocalization de;
-    de.locale = u"de-DE"_s;
-    de.appInfoLocalizationID = appID + u"-info-de"_s;
-    de.name = name;
-    de.subtitle = u"Dein Tag, schön festgehalten"_s;
-    de.privacyPolicyURL = u"https://example.com/de/datenschutz"_s;
-    de.versionLocalizationID = appID + u"-ver-de"_s;
-    de.description = name + u" bringt Ordnung in deinen Alltag: alles Wichtige an einem ruhigen Ort, "
-                            u"synchron auf iPhone und iPad und ohne Werbung."_s;
-    de.keywords = u"tagebuch,notizen,planer,ordnung,alltag,synchron"_s;
-    de.promotionalText = u"Neu: Themes für Nachteulen und ein schnellerer Export."_s;
-    de.whatsNew = u"• Export großer Dateien ist schneller und stabiler\n• Neue dunkle Themes\n"
-                  u"• Kleinere Fehlerbehebungen"_s;
-    de.marketingURL = u"https://example.com/de"_s;
-    de.supportURL = u"https://example.com/de/hilfe"_s;
-
-    ManagedLocalization en;
-    en.locale = u"en-US"_s;
-    en.appInfoLocalizationID = appID + u"-info-en"_s;
-    en.name = name;
-    en.subtitle = u"Your day, beautifully kept"_s;
-    en.privacyPolicyURL = u"https://example.com/privacy"_s;
-    en.versionLocalizationID = appID + u"-ver-en"_s;
-    en.description = name + u" brings calm to your everyday life: everything that matters in one "
-                            u"place, in sync on iPhone and iPad, with no ads."_s;
-    en.keywords = u"journal,notes,planner,organize,daily,sync"_s;
-    en.promotionalText = u"New: themes for night owls and a faster export."_s;
-    en.whatsNew = u"• Exporting large files is faster and more reliable\n• New dark themes\n• Minor fixes"_s;
-    en.marketingURL = u"https://example.com"_s;
-    en.supportURL = u"https://example.com/support"_s;
-    return {de, en};
+    QString slug;
+    for (const ManagedApp& app : MockData::apps()) {
+        if (app.id == appID) {
+            slug = app.bundleID.section(u'.', -1);
+        }
+    }
+    // An id from elsewhere gets the texts of the first sample app.
+    const SampleApp* texts = &sampleTexts().first();
+    for (const SampleApp& candidate : sampleTexts()) {
+        if (candidate.slug == slug) {
+            texts = &candidate;
+        }
+    }
+    const auto fill = [&](const QString& locale, const QString& suffix, const SampleTexts& t,
+                          const QString& site) {
+        ManagedLocalization l;
+        l.locale = locale;
+        l.appInfoLocalizationID = appID + u"-info-"_s + suffix;
+        l.name = name;
+        l.subtitle = t.subtitle;
+        l.privacyPolicyURL = site + (suffix == u"de"_s ? u"/datenschutz"_s : u"/privacy"_s);
+        l.versionLocalizationID = appID + u"-ver-"_s + suffix;
+        l.description = t.description;
+        l.keywords = t.keywords;
+        l.promotionalText = t.promotionalText;
+        l.whatsNew = t.whatsNew;
+        l.marketingURL = site;
+        l.supportURL = site + (suffix == u"de"_s ? u"/hilfe"_s : u"/support"_s);
+        return l;
+    };
+    const QString site = u"https://"_s + (slug.isEmpty() ? u"example"_s : slug) + u".example.com"_s;
+    return {fill(u"de-DE"_s, u"de"_s, texts->de, site + u"/de"_s),
+            fill(u"en-US"_s, u"en"_s, texts->en, site)};
 }
 
 QList<ManagedScreenshotSet> MockData::screenshotSets(const QString& versionLocalizationID) {

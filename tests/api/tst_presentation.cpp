@@ -1,5 +1,6 @@
 #include "api/ModelOperation.h"
 #include "api/RowListModel.h"
+#include "wire/VelmoraAPIError.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -109,6 +110,27 @@ private Q_SLOTS:
         operation.abandon();
         QVERIFY(!moved);
         QVERIFY(!operation.isBusy());
+    }
+
+    void failuresSayWhatFailed_data() {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("Apple answered")
+            << 0 << u"Versionen konnten nicht geladen werden (HTTP 404): Nicht da."_s;
+        QTest::newRow("no answer") << 1 << u"Versionen konnten nicht geladen werden: offline"_s;
+    }
+
+    void failuresSayWhatFailed() {
+        QFETCH(int, kind);
+        QFETCH(QString, expected);
+        AppleErrorObject apple;
+        apple.detail = u"Nicht da."_s;
+        const VelmoraAPIError error = kind == 0 ? VelmoraAPIError::http(404, std::nullopt, {apple})
+                                                : VelmoraAPIError::network(u"offline"_s);
+        ModelOperation operation;
+        operation.start().fail(u"Versionen konnten nicht geladen werden"_s, error);
+        QVERIFY(operation.errorText().startsWith(expected.section(u':', 0, 0)));
+        QVERIFY2(operation.errorText().contains(describeError(error)), qPrintable(operation.errorText()));
     }
 
     void theModelGoingAwayEndsItsRuns() {

@@ -2,11 +2,13 @@
 
 #include "api/AccountStore.h"
 #include "api/PendingWrite.h"
+#include "api/RowListModel.h"
 #include "api/WriteConfirmationViewModel.h"
 #include "app/UiShell.h"
 #include "metadata/MetadataViewModel.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
+#include "release/VersionsListViewModel.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
@@ -15,6 +17,7 @@
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
+#include "workspace/SectionHost.h"
 #include "workspace/SidebarSection.h"
 #include "workspace/WorkspaceViewModel.h"
 
@@ -100,15 +103,18 @@ private Q_SLOTS:
     }
 
     // An account with one app in two languages, answered by a scripted Apple.
-    void startWithTwoLanguages() {
+    void startWithTwoLanguages(QList<FakeTransport::Answer> versionAnswers = {}) {
         Platform platform = demoPlatform();
         auto apple = std::static_pointer_cast<FakeTransport>(platform.transport);
         using Answer = FakeTransport::Answer;
+        const Answer versions =
+            Answer::json(200, R"({"data":[{"type":"appStoreVersions","id":"v1","attributes":{
+            "versionString":"2.0","appStoreState":"PREPARE_FOR_SUBMISSION","platform":"IOS"}}]})");
+        versionAnswers.append(versions);
         apple->script("GET", u"/v1/apps"_s, {Answer::json(200, R"({"data":[{"type":"apps","id":"app-1",
             "attributes":{"name":"Kladde","bundleId":"com.example.kladde","primaryLocale":"en-US"}}]})")});
-        apple->script("GET", u"/v1/apps/app-1/appStoreVersions"_s,
-                      {Answer::json(200, R"({"data":[{"type":"appStoreVersions","id":"v1","attributes":{
-            "versionString":"2.0","appStoreState":"PREPARE_FOR_SUBMISSION","platform":"IOS"}}]})")});
+        apple->script("GET", u"/v1/apps/app-1/appStoreVersions"_s, versionAnswers);
+        apple->script("GET", u"/v1/appStoreVersions/v1/build"_s, {Answer::json(200, R"({"data":null})")});
         apple->script("GET", u"/v1/apps/app-1/appInfos"_s,
                       {Answer::json(200, R"({"data":[{"type":"appInfos","id":"info-1","attributes":{}}]})")});
         apple->script("GET", u"/v1/appInfos/info-1/appInfoLocalizations"_s, {Answer::json(200, R"({"data":[
@@ -124,6 +130,27 @@ private Q_SLOTS:
                                                u"ABCDE12345"_s, makeTestKey().privateKeyPEM));
         show();
         QTRY_COMPARE(m_shell->workspace()->allApps()->count(), 1);
+    }
+
+    // A failed load says what failed with Apple's words, and offers to try again.
+    void aFailedSectionOffersToTryAgain() {
+        startWithTwoLanguages({FakeTransport::Answer::json(
+            404,
+            R"({"errors":[{"status":"404","code":"NOT_FOUND","title":"Nicht gefunden","detail":"Die App fehlt."}]})")});
+        QQuickWindow* main = mainWindow();
+        QVERIFY(clickRow(main, u"allAppsList"_s, 0));
+        QVERIFY(clickNamed(main, u"section_releases"_s));
+        QVERIFY(findItem(main, u"retryVersionsButton"_s));
+        auto* versions =
+            qobject_cast<VersionsListViewModel*>(m_shell->workspace()->sections()->sectionModel());
+        QVERIFY(versions);
+        QVERIFY2(
+            versions->errorMessage().startsWith(u"Versionen konnten nicht geladen werden (HTTP 404): "_s),
+            qPrintable(versions->errorMessage()));
+        shoot(main, u"versions-error"_s);
+        QVERIFY(clickNamed(main, u"retryVersionsButton"_s));
+        QTRY_COMPARE(versions->versions()->count(), 1);
+        QCOMPARE(versions->errorMessage(), QString());
     }
 
     // Removing a language asks first, in whichever window it was asked for: the second window

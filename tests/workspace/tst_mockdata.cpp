@@ -238,6 +238,25 @@ private Q_SLOTS:
         }
     }
 
+    // The sample data agrees with itself: each app's texts are about that app, and the version
+    // the store-text editor edits in demo mode ("3.1.0") is the one the versions list shows first.
+    void sampleAppsHaveTheirOwnTexts() {
+        QSet<QString> keywords;
+        for (const ManagedApp& app : MockData::apps()) {
+            const auto texts = MockData::localizations(app.id);
+            QCOMPARE(texts.size(), 2);
+            for (const ManagedLocalization& text : texts) {
+                QVERIFY2(text.description.startsWith(app.name), qPrintable(text.description));
+                QVERIFY2(!keywords.contains(text.keywords), qPrintable(text.keywords));
+                keywords.insert(text.keywords);
+            }
+            const auto versions = MockData::versions(app.id, nowUTC);
+            QCOMPARE(versions.first().versionString, u"3.1.0"_s);
+            QVERIFY(versions.first().state ==
+                    ASCAppStoreVersionState(ASCAppStoreVersionState::Case::PrepareForSubmission));
+        }
+    }
+
     // Each child list is asked for with an id taken from its parent's value, as a screen would.
     void childrenFoundByParentID() {
         auto under = [](const QString& parentID, const QString& childID) {
