@@ -14,6 +14,8 @@
 #include "workspace/BackgroundSettingsViewModel.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QGuiApplication>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
 #include <QQmlContext>
@@ -49,6 +51,11 @@ UiShell::~UiShell() {
 }
 
 bool UiShell::load() {
+    // The icon of every window, and of the task bar entry where the desktop does not find the
+    // installed one.
+    if (QGuiApplication::windowIcon().isNull()) {
+        QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
+    }
     QQmlContext* context = m_engine.rootContext();
     context->setContextProperty(u"workspace"_s, m_workspace);
     context->setContextProperty(u"accountSettings"_s, m_accountSettings);
