@@ -9,6 +9,8 @@ MenuBar {
 
     Menu {
         title: "&Varnis"
+        delegate: ShortcutMenuItem {}
+        width: 300
         Action {
             text: "Einstellungen …"
             shortcut: "Ctrl+,"
@@ -28,6 +30,8 @@ MenuBar {
     }
     Menu {
         title: "&Ablage"
+        delegate: ShortcutMenuItem {}
+        width: 300
         Action {
             text: "In neuem Fenster öffnen"
             shortcut: "Ctrl+Shift+N"
@@ -42,6 +46,8 @@ MenuBar {
     }
     Menu {
         title: "&Suchen"
+        delegate: ShortcutMenuItem {}
+        width: 300
         Action {
             text: "Befehlspalette"
             shortcut: "Ctrl+K"
@@ -61,6 +67,8 @@ MenuBar {
     Menu {
         id: goToMenu
         title: "&Gehe zu"
+        delegate: ShortcutMenuItem {}
+        width: 300
         Action {
             text: "Alle Apps"
             shortcut: "Ctrl+["
@@ -82,6 +90,8 @@ MenuBar {
     }
     Menu {
         title: "&Hilfe"
+        delegate: ShortcutMenuItem {}
+        width: 300
         Action {
             text: "Erste Schritte …"
             onTriggered: workspace.isOnboardingPresented = true

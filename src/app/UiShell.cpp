@@ -16,6 +16,7 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QKeySequence>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
 #include <QQmlContext>
@@ -95,6 +96,13 @@ QQuickWindow* UiShell::window(const QString& objectName) const {
         return main;
     }
     return main->findChild<QQuickWindow*>(objectName);
+}
+
+QString UiShell::shortcutText(const QVariant& sequence) const {
+    if (sequence.typeId() == QMetaType::Int) {
+        return QKeySequence(QKeySequence::StandardKey(sequence.toInt())).toString(QKeySequence::NativeText);
+    }
+    return QKeySequence(sequence.toString()).toString(QKeySequence::NativeText);
 }
 
 void UiShell::openAppWindow(const QString& appID) {

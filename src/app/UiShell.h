@@ -40,6 +40,8 @@ public:
     ChangeLogViewModel* changeLog() const { return m_changeLog; }
     WriteConfirmationViewModel* writeConfirmation() const { return m_writeConfirmation; }
 
+    // A key combination as the platform writes it in menus ("Strg+," in German).
+    Q_INVOKABLE QString shortcutText(const QVariant& sequence) const;
     // A window for one app, with a section of its own.
     Q_INVOKABLE void openAppWindow(const QString& appID);
     // Deep links and other messages from a second start.

@@ -140,6 +140,37 @@ QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName)
     return found;
 }
 
+namespace {
+QQuickItem* visibleText(QQuickItem* item, const QString& text) {
+    if (!item->isVisible()) {
+        return nullptr;
+    }
+    if (item->inherits("QQuickText") && item->property("text").toString() == text) {
+        return item;
+    }
+    const auto children = item->childItems();
+    for (QQuickItem* child : children) {
+        if (QQuickItem* found = visibleText(child, text)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+} // namespace
+
+QQuickItem* UiFixture::findText(QQuickWindow* window, const QString& text) {
+    QQuickItem* found = nullptr;
+    (void)QTest::qWaitFor([&] {
+        QQuickItem* root = window->contentItem();
+        while (root->parentItem()) {
+            root = root->parentItem();
+        }
+        found = visibleText(root, text);
+        return found != nullptr;
+    });
+    return found;
+}
+
 void UiFixture::click(QQuickItem* item, Qt::KeyboardModifiers modifiers) {
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(item->window(), Qt::LeftButton, modifiers, centre.toPoint());

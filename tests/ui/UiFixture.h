@@ -39,6 +39,9 @@ protected:
     // The visible item of that name in the window, or null; waits for it up to a few seconds
     // of event processing.
     static QQuickItem* findItem(QQuickWindow* window, const QString& objectName);
+    // The visible text item (label, button title) that shows exactly this text, or null; waits
+    // for it like findItem.
+    static QQuickItem* findText(QQuickWindow* window, const QString& text);
     // A left click in the middle of the item, as a mouse would give it.
     static void click(QQuickItem* item, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Clicks the item of that name; fails the test if it is not there.

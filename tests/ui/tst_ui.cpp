@@ -70,6 +70,11 @@ private Q_SLOTS:
 
         QTest::keyClick(main, Qt::Key_2, Qt::ControlModifier);
         QTRY_COMPARE(workspace->selectedSection(), u"appStoreOptimization"_s);
+        // The menu "Gehe zu" opens with its mnemonic and shows each entry's key combination.
+        QTest::keyClick(main, Qt::Key_G, Qt::AltModifier);
+        QVERIFY(findText(main, u"Ctrl+5"_s));
+        shoot(main, u"menu-go-to"_s);
+        QTest::keyClick(main, Qt::Key_Escape);
         QTest::keyClick(main, Qt::Key_BracketLeft, Qt::ControlModifier);
         QTRY_VERIFY(!workspace->hasSelectedApp());
 
