@@ -72,8 +72,9 @@ ApplicationWindow {
         spacing: 0
         visible: !workspace.showsEmptyState
 
+        // The panes give up width to the section in a small window.
         AppListPane {
-            Layout.preferredWidth: 280
+            Layout.preferredWidth: Math.min(280, root.width * 0.26)
             Layout.fillHeight: true
         }
         ToolSeparator {
@@ -81,7 +82,7 @@ ApplicationWindow {
         }
         // Made when an app is first selected, not at start-up.
         Loader {
-            Layout.preferredWidth: 210
+            Layout.preferredWidth: Math.min(210, root.width * 0.2)
             Layout.fillHeight: true
             active: workspace.hasSelectedApp
             visible: active

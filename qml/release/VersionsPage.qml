@@ -47,30 +47,28 @@ ColumnLayout {
             id: version
             required property string versionString
             required property string stateName
-            required property string buildText
-            required property string createdText
+            required property string detailText
+            required property string accessibleName
             width: list.width
-            // Long state names elide instead of pushing the build off the row.
-            Accessible.name: "Version " + versionString + ", " + stateName + ", " + buildText
-            contentItem: RowLayout {
-                Label {
-                    text: version.versionString
-                    font.bold: true
-                    Layout.preferredWidth: 80
+            Accessible.name: accessibleName
+            // Two lines, so that a narrow window elides text instead of hiding the build.
+            contentItem: ColumnLayout {
+                spacing: 2
+                RowLayout {
+                    spacing: 12
+                    Label {
+                        text: version.versionString
+                        font.bold: true
+                    }
+                    Label {
+                        Layout.fillWidth: true
+                        text: version.stateName
+                        elide: Text.ElideRight
+                    }
                 }
                 Label {
-                    text: version.stateName
-                    Layout.preferredWidth: 220
-                    Layout.maximumWidth: 220
-                    elide: Text.ElideRight
-                }
-                Label {
-                    text: version.buildText
                     Layout.fillWidth: true
-                    elide: Text.ElideRight
-                }
-                Label {
-                    text: version.createdText
+                    text: version.detailText
                     color: palette.placeholderText
                     elide: Text.ElideRight
                 }

@@ -15,6 +15,11 @@ ApplicationWindow {
     visible: true
     title: model.windowTitle
 
+    Shortcut {
+        sequences: [StandardKey.Close]
+        onActivated: window.close()
+    }
+
     SectionShortcuts {
         onSectionRequested: position => window.model.goToSection(position)
     }

@@ -42,6 +42,7 @@ Pane {
             required property bool isSelected
             required property bool isBuilt
             required property string note
+            required property string badge
             required property string accessibleName
             width: list.width
 
@@ -68,6 +69,16 @@ Pane {
                 }
                 ToolTip.visible: hovered && entry.note !== ""
                 ToolTip.text: entry.note
+                Label {
+                    anchors.right: parent.right
+                    anchors.rightMargin: 10
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: entry.badge !== ""
+                    text: entry.badge
+                    font.pixelSize: 10
+                    color: palette.placeholderText
+                    Accessible.ignored: true
+                }
             }
         }
     }

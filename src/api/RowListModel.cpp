@@ -66,6 +66,10 @@ QString keyOf(const RowListModel::Row& row) {
 } // namespace
 
 void RowListModel::setRows(const QList<Row>& rows) {
+    for ([[maybe_unused]] const Row& row : rows) {
+        Q_ASSERT_X(row.size() == m_roleNames.size(), "RowListModel::setRows",
+                   "a row needs one value per role");
+    }
     const qsizetype before = m_rows.size();
     // Rows whose key is gone leave first, a run at a time, so that a filter that narrows a
     // thousand rows to ten costs a few signals, not a thousand.

@@ -21,20 +21,26 @@ RowListModel::Row row(const VelmoraVersion& version, const std::optional<Managed
         version.createdDate
             ? QLocale(QLocale::German).toString(version.createdDate->toLocalTime(), u"dd.MM.yyyy"_s)
             : QString();
+    const QString createdText = created.isEmpty() ? QString() : u"angelegt am "_s + created;
+    const QString buildText = build ? u"Build "_s + build->buildNumber : u"Kein Build zugeordnet"_s;
+    const QString detail = createdText.isEmpty() ? buildText : buildText + u" · "_s + createdText;
     return {version.id,
             version.versionString,
             version.platform ? version.platform->raw() : QString(),
             version.state.displayName(),
-            created.isEmpty() ? QString() : u"angelegt am "_s + created,
-            build ? u"Build "_s + build->buildNumber : u"Kein Build zugeordnet"_s};
+            createdText,
+            buildText,
+            detail,
+            u"Version "_s + version.versionString + u", "_s + version.state.displayName() + u", "_s + detail};
 }
 
 } // namespace
 
 VersionsListViewModel::VersionsListViewModel(AppState& state, ManagedApp app, QObject* parent)
     : QObject(parent), m_state(state), m_app(std::move(app)), m_loading(new ModelOperation(this)),
-      m_rows(new RowListModel(
-          {"versionId", "versionString", "platform", "stateName", "createdText", "buildText"}, this)) {
+      m_rows(new RowListModel({"versionId", "versionString", "platform", "stateName", "createdText",
+                               "buildText", "detailText", "accessibleName"},
+                              this)) {
     connect(m_loading, &ModelOperation::busyChanged, this, &VersionsListViewModel::isLoadingChanged);
     connect(m_loading, &ModelOperation::errorChanged, this, &VersionsListViewModel::errorMessageChanged);
     connect(m_rows, &RowListModel::countChanged, this, &VersionsListViewModel::isEmptyChanged);

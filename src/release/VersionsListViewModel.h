@@ -22,7 +22,16 @@ class VersionsListViewModel : public QObject {
     Q_PROPERTY(QString retryLabel READ retryLabel CONSTANT)
 public:
     // The roles of `versions`, in this order.
-    enum Column { Id, VersionString, Platform, StateName, CreatedText, BuildText };
+    enum Column {
+        Id,
+        VersionString,
+        Platform,
+        StateName,
+        CreatedText,
+        BuildText,
+        DetailText,
+        AccessibleName
+    };
 
     VersionsListViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
 

@@ -8,9 +8,10 @@ using namespace Qt::StringLiterals;
 SectionHost::SectionHost(AppState& state, const SectionRegistry& registry,
                          WriteConfirmationViewModel& presenter, QObject* parent)
     : QObject(parent), m_state(state), m_registry(registry), m_presenter(presenter),
-      m_sidebar(new RowListModel({"raw", "title", "controlTitle", "symbol", "groupTitle", "startsGroup",
-                                  "shortcut", "position", "isSelected", "isBuilt", "note", "accessibleName"},
-                                 this)) {
+      m_sidebar(
+          new RowListModel({"raw", "title", "controlTitle", "symbol", "groupTitle", "startsGroup", "shortcut",
+                            "position", "isSelected", "isBuilt", "note", "badge", "accessibleName"},
+                           this)) {
     refreshSidebar();
 }
 
@@ -122,7 +123,7 @@ void SectionHost::refreshSidebar() {
             {SidebarSections::rawValue(section), SidebarSections::title(section), controlTitle,
              SidebarSections::symbol(section), SidebarSections::groupTitle(group),
              !previous || *previous != group, shortcutText(position), position, section == m_section, built,
-             note,
+             note, built ? QString() : u"bald"_s,
              built ? SidebarSections::title(section) : SidebarSections::title(section) + u", "_s + note});
         previous = group;
     }

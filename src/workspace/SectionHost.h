@@ -45,6 +45,7 @@ public:
         IsSelected,
         IsBuilt,
         Note,
+        Badge,
         AccessibleName
     };
 

@@ -171,6 +171,16 @@ QQuickItem* UiFixture::findText(QQuickWindow* window, const QString& text) {
     return found;
 }
 
+void UiFixture::typeText(QWindow* window, const QString& text) {
+    for (const QChar ch : text) {
+        const Qt::Key key =
+            ch.isLetterOrNumber() && ch.unicode() < 128 ? Qt::Key(ch.toUpper().unicode()) : Qt::Key_unknown;
+        const Qt::KeyboardModifiers modifiers = ch.isUpper() ? Qt::ShiftModifier : Qt::NoModifier;
+        QTest::sendKeyEvent(QTest::Press, window, key, QString(ch), modifiers);
+        QTest::sendKeyEvent(QTest::Release, window, key, QString(ch), modifiers);
+    }
+}
+
 void UiFixture::click(QQuickItem* item, Qt::KeyboardModifiers modifiers) {
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(item->window(), Qt::LeftButton, modifiers, centre.toPoint());

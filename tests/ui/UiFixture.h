@@ -42,6 +42,9 @@ protected:
     // The visible text item (label, button title) that shows exactly this text, or null; waits
     // for it like findItem.
     static QQuickItem* findText(QQuickWindow* window, const QString& text);
+    // Types the text key by key into whatever has the focus, as a keyboard would (also letters
+    // that are not on a US keyboard).
+    static void typeText(QWindow* window, const QString& text);
     // A left click in the middle of the item, as a mouse would give it.
     static void click(QQuickItem* item, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Clicks the item of that name; fails the test if it is not there.

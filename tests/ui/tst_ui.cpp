@@ -236,6 +236,66 @@ private Q_SLOTS:
         QVERIFY(!m_shell->workspace()->isLoadingApps());
     }
 
+    // The keyboard alone: type a filter, reach the list with Tab, choose with Return, go on to the
+    // sidebar with Tab and choose a section there.
+    void keyboardReachesAppsAndSections() {
+        startDemo();
+        WorkspaceViewModel* workspace = m_shell->workspace();
+        QTRY_COMPARE(workspace->allApps()->count(), 4);
+        QQuickWindow* main = mainWindow();
+        QVERIFY(clickNamed(main, u"appFilterField"_s));
+        typeText(main, u"FJORD"_s);
+        QTRY_COMPARE(workspace->allApps()->count(), 1);
+        QTest::keyClick(main, Qt::Key_Down);
+        QQuickItem* list = findItem(main, u"allAppsList"_s);
+        QTRY_VERIFY(list->hasActiveFocus());
+        QTest::keyClick(main, Qt::Key_Down);
+        QTest::keyClick(main, Qt::Key_Return);
+        QTRY_COMPARE(workspace->selectedAppID(), u"demo-fjord-weather"_s);
+        QTest::keyClick(main, Qt::Key_Tab);
+        QQuickItem* sidebar = findItem(main, u"sectionList"_s);
+        QTRY_VERIFY(sidebar->hasActiveFocus());
+        for (int i = 0; i < 4; ++i) {
+            QTest::keyClick(main, Qt::Key_Down);
+        }
+        QTest::keyClick(main, Qt::Key_Return);
+        QTRY_COMPARE(workspace->selectedSection(), u"releases"_s);
+        shoot(main, u"keyboard-sidebar"_s);
+        // Esc in the filter field shows every app again.
+        QVERIFY(clickNamed(main, u"appFilterField"_s));
+        QTest::keyClick(main, Qt::Key_Escape);
+        QTRY_COMPARE(workspace->allApps()->count(), 4);
+    }
+
+    // At the smallest size the window allows, the panes sit side by side and every built section
+    // fits; the screenshots show the rest.
+    void smallestWindowKeepsThePanesApart() {
+        startDemo();
+        QQuickWindow* main = mainWindow();
+        QTRY_COMPARE(m_shell->workspace()->allApps()->count(), 4);
+        main->resize(main->minimumSize());
+        QTRY_COMPARE(main->size(), QSize(900, 560));
+        QVERIFY(clickRow(main, u"allAppsList"_s, 0));
+        for (const QString& raw : {u"overview"_s, u"appStoreOptimization"_s, u"releases"_s}) {
+            QVERIFY(clickNamed(main, u"section_"_s + raw));
+            QQuickItem* list = findItem(main, u"allAppsList"_s);
+            QQuickItem* sidebar = findItem(main, u"sectionList"_s);
+            QVERIFY(list && sidebar);
+            const QRectF listRect = list->mapRectToScene(list->boundingRect());
+            const QRectF sidebarRect = sidebar->mapRectToScene(sidebar->boundingRect());
+            QVERIFY(listRect.right() <= sidebarRect.left());
+            QVERIFY(sidebarRect.right() < main->width() - 300);
+            shoot(main, u"smallest-"_s + raw);
+        }
+        // The second window closes with the platform's close key.
+        QTest::keyClick(main, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+        QQuickWindow* second = nullptr;
+        QTRY_VERIFY((second = topLevel(u"appWindow"_s)));
+        activate(second);
+        QTest::keyClick(second, Qt::Key_W, Qt::ControlModifier);
+        QTRY_VERIFY(!topLevel(u"appWindow"_s));
+    }
+
     // Choosing an app, its overview and "Alle Apps" in turn, by mouse and keyboard: the overview's
     // layout once outlived its rows and the window crashed by the second or third round.
     void overviewAndAllAppsInTurn() {

@@ -170,6 +170,9 @@ private Q_SLOTS:
         QCOMPARE(sidebar->value(releases, SectionHost::ControlTitle).toString(), u"Versionen && Builds"_s);
         QCOMPARE(sidebar->value(releases, SectionHost::Note).toString(), QString());
         QCOMPARE(sidebar->value(0, SectionHost::Note).toString(), u"noch nicht verfügbar"_s);
+        QCOMPARE(sidebar->value(0, SectionHost::AccessibleName).toString(),
+                 u"Übersicht, noch nicht verfügbar"_s);
+        QCOMPARE(sidebar->rows().first().size(), sidebar->roleNames().size());
 
         QSignalSpy changed(sidebar, &QAbstractItemModel::dataChanged);
         QSignalSpy reset(sidebar, &QAbstractItemModel::modelReset);
