@@ -107,11 +107,19 @@ QQuickWindow* UiFixture::topLevel(const QString& objectName) {
 }
 
 namespace {
+// Walks the visual tree: delegates of views and repeaters, and what an ApplicationWindow declares,
+// hang below the content item as items even where their QObject parent is elsewhere.
 QQuickItem* visibleChild(QQuickItem* root, const QString& objectName) {
-    const auto candidates = root->findChildren<QQuickItem*>(objectName);
-    for (QQuickItem* item : candidates) {
-        if (item->isVisible() && item->width() > 0 && item->height() > 0) {
+    const auto children = root->childItems();
+    for (QQuickItem* item : children) {
+        if (!item->isVisible()) {
+            continue;
+        }
+        if (item->objectName() == objectName && item->width() > 0 && item->height() > 0) {
             return item;
+        }
+        if (QQuickItem* found = visibleChild(item, objectName)) {
+            return found;
         }
     }
     return nullptr;
