@@ -638,12 +638,10 @@ void MetadataViewModel::publish() {
                               ? u"Version "_s + *m_editableVersionString + u" · "_s + versionStateName()
                               : QString();
     next.restrictedFieldsHint = restrictedFieldsHintText();
-    next.matrixSummary = m_localizations.isEmpty()
-                             ? QString()
-                             : LocalizationMatrix::make(
-                                   m_localizations, MetadataValidator::Context{m_app.name, m_isFirstVersion},
-                                   m_app.primaryLocale, {})
-                                   .summaryText();
+    // One matrix per change serves the summary and the languages' rows.
+    const LocalizationMatrix matrix = LocalizationMatrix::make(
+        m_localizations, MetadataValidator::Context{m_app.name, m_isFirstVersion}, m_app.primaryLocale, {});
+    next.matrixSummary = m_localizations.isEmpty() ? QString() : matrix.summaryText();
     next.selectedLocale = selectedLocaleText();
     next.hasUnsavedChanges = hasUnsavedChanges();
     next.canSave = next.hasUnsavedChanges && !m_saving->isBusy();
@@ -668,7 +666,7 @@ void MetadataViewModel::publish() {
     publishValue(this, p.canRemoveLanguage, next.canRemoveLanguage, &M::canRemoveLanguageChanged);
 
     publishFields();
-    publishLanguages();
+    publishLanguages(matrix);
 }
 
 void MetadataViewModel::publishFields() {
@@ -709,9 +707,7 @@ void MetadataViewModel::publishFields() {
     m_fields->setRows(rows);
 }
 
-void MetadataViewModel::publishLanguages() {
-    const LocalizationMatrix matrix = LocalizationMatrix::make(
-        m_localizations, MetadataValidator::Context{m_app.name, m_isFirstVersion}, m_app.primaryLocale, {});
+void MetadataViewModel::publishLanguages(const LocalizationMatrix& matrix) {
     QList<RowListModel::Row> rows;
     for (const auto& localization : m_localizations) {
         QStringList lacks;

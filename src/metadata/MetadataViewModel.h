@@ -13,6 +13,7 @@
 #include <optional>
 
 class AppState;
+class LocalizationMatrix;
 class ModelOperation;
 class RowListModel;
 
@@ -219,7 +220,7 @@ private:
     // Brings every property and list in line with the state.
     void publish();
     void publishFields();
-    void publishLanguages();
+    void publishLanguages(const LocalizationMatrix& matrix);
 
     AppState& m_state;
     ManagedApp m_app;

@@ -128,6 +128,7 @@ private Q_SLOTS:
             const QString expected = before + word;
             QCOMPARE(*MetadataViewModel::fieldText(*m_metadata->editBuffer(), key), expected);
             QCOMPARE(item->property("text").toString(), expected);
+            QCOMPARE(item->property("cursorPosition").toInt(), expected.size());
             QVERIFY2(item->hasActiveFocus(), qPrintable(key));
             // The editor is still the same item: nothing was rebuilt under the cursor.
             QCOMPARE(field(key), item);
