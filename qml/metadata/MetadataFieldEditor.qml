@@ -2,61 +2,89 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// One field of the store texts with its counter and its findings.
+// One field of the store texts with its counter and its findings. The text field binds to the
+// model's text; an edit goes to the model, and the model's answer equals what is already typed,
+// so the field keeps its cursor and its focus.
 ColumnLayout {
     id: editor
-    property var field
+    required property string fieldKey
+    required property string label
+    required property string title
+    required property string text
+    required property string countText
+    required property string countName
+    required property bool isOverLimit
+    required property bool multiline
+    required property string blockingText
+    required property string warningText
     signal edited(string text)
     spacing: 2
 
     RowLayout {
         Layout.fillWidth: true
         Label {
-            text: editor.field.label + (editor.field.isRestricted ? " (nur mit neuer Version)" : "")
-            font.bold: true
-        }
-        Item {
             Layout.fillWidth: true
+            text: editor.title
+            font.bold: true
+            elide: Text.ElideRight
         }
         Label {
-            text: editor.field.countText
-            color: editor.field.isOverLimit ? "#8a1c1c" : palette.placeholderText
-            Accessible.name: editor.field.label + ": " + editor.field.countText + " Zeichen"
+            visible: text !== ""
+            text: editor.countText
+            color: editor.isOverLimit ? "#8a1c1c" : palette.placeholderText
+            Accessible.name: editor.countName
         }
     }
     Loader {
         Layout.fillWidth: true
-        Layout.preferredHeight: editor.field.multiline ? 110 : implicitHeight
-        sourceComponent: editor.field.multiline ? area : line
+        Layout.preferredHeight: editor.multiline ? 110 : implicitHeight
+        sourceComponent: editor.multiline ? area : line
     }
     Component {
         id: line
         TextField {
-            text: editor.field.text
-            Accessible.name: editor.field.label
+            objectName: "field_" + editor.fieldKey
+            text: editor.text
+            Accessible.name: editor.label
             onTextEdited: editor.edited(text)
         }
     }
     Component {
         id: area
         ScrollView {
-          TextArea {
-            text: editor.field.text
-            wrapMode: TextEdit.Wrap
-            Accessible.name: editor.field.label
-            onTextChanged: if (text !== editor.field.text) editor.edited(text)
-          }
+            clip: true
+            // The text wraps at the frame; only the height scrolls.
+            contentWidth: availableWidth
+            background: Rectangle {
+                color: palette.base
+                border.color: textArea.activeFocus ? palette.highlight : palette.mid
+                radius: 2
+            }
+            TextArea {
+                id: textArea
+                objectName: "field_" + editor.fieldKey
+                text: editor.text
+                wrapMode: TextEdit.Wrap
+                Accessible.name: editor.label
+                // Also runs when the model sets the text; the model ignores a text it already has.
+                onTextChanged: editor.edited(text)
+            }
         }
     }
-    Repeater {
-        model: editor.field.findings
-        delegate: Label {
-            required property var modelData
-            Layout.fillWidth: true
-            text: (modelData.isBlocking ? "✗ " : "⚠ ") + modelData.message
-            color: modelData.isBlocking ? "#8a1c1c" : "#7a5a00"
-            wrapMode: Text.Wrap
-            font.pixelSize: 12
-        }
+    Label {
+        Layout.fillWidth: true
+        visible: text !== ""
+        text: editor.blockingText
+        color: "#8a1c1c"
+        wrapMode: Text.WordWrap
+        font.pixelSize: 12
+    }
+    Label {
+        Layout.fillWidth: true
+        visible: text !== ""
+        text: editor.warningText
+        color: "#7a5a00"
+        wrapMode: Text.WordWrap
+        font.pixelSize: 12
     }
 }

@@ -2,6 +2,8 @@
 
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
+#include "api/ModelOperation.h"
+#include "api/RowListModel.h"
 #include "metadata/AppStoreLocales.h"
 #include "metadata/LocalizationMatrix.h"
 #include "metadata/LocalizationsService.h"
@@ -20,12 +22,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QVariantMap findingRow(const MetadataFinding& finding) {
-    return {{u"severity"_s, ReleaseCheckSeverities::rawValue(finding.severity)},
-            {u"isBlocking"_s, finding.severity == ReleaseCheckSeverity::Confirmed},
-            {u"title"_s, finding.title},
-            {u"message"_s,
-             finding.explanation.isEmpty() ? finding.title : finding.title + u" – "_s + finding.explanation}};
+QString findingMessage(const MetadataFinding& finding) {
+    return finding.explanation.isEmpty() ? finding.title : finding.title + u" – "_s + finding.explanation;
+}
+
+QString findingLine(const MetadataFinding& finding) {
+    const bool blocking = finding.severity == ReleaseCheckSeverity::Confirmed;
+    return (blocking ? u"✗ "_s : u"⚠ "_s) + findingMessage(finding);
 }
 
 // Runs the removal of a language once the user confirmed it; the model may be gone by then.
@@ -35,12 +38,39 @@ QCoro::Task<> removeConfirmed(QPointer<MetadataViewModel> model, QString locale)
     }
 }
 
+template <typename Signal>
+void publishValue(MetadataViewModel* model, auto& stored, const auto& value, Signal signal) {
+    if (stored != value) {
+        stored = value;
+        Q_EMIT(model->*signal)();
+    }
+}
+
 } // namespace
 
 MetadataViewModel::MetadataViewModel(AppState& state, ManagedApp app, QObject* parent)
-    : QObject(parent), m_state(state), m_app(std::move(app)) {
-    connect(&state.metadataDrafts(), &MetadataDraftStore::draftsChanged, this,
-            &MetadataViewModel::stateChanged);
+    : QObject(parent), m_state(state), m_app(std::move(app)), m_loading(new ModelOperation(this)),
+      m_saving(new ModelOperation(this)), m_changingLanguages(new ModelOperation(this)),
+      m_fields(new RowListModel({"fieldKey", "label", "title", "text", "countText", "countName",
+                                 "isOverLimit", "isRestricted", "multiline", "blockingText", "warningText"},
+                                this)),
+      m_languages(new RowListModel(
+          {"localeCode", "displayName", "title", "hasDraft", "isSelected", "lacks", "accessibleName"}, this)),
+      m_crossFindings(new RowListModel({"findingId", "message", "isBlocking"}, this)),
+      m_addable(new RowListModel({"code", "name"}, this)), m_seeds(new RowListModel({"code", "name"}, this)) {
+    connect(m_loading, &ModelOperation::busyChanged, this, &MetadataViewModel::isLoadingChanged);
+    connect(m_loading, &ModelOperation::errorChanged, this, &MetadataViewModel::loadErrorChanged);
+    connect(m_saving, &ModelOperation::busyChanged, this, &MetadataViewModel::isSavingChanged);
+    connect(m_changingLanguages, &ModelOperation::busyChanged, this,
+            &MetadataViewModel::isChangingLanguagesChanged);
+    connect(m_changingLanguages, &ModelOperation::errorChanged, this,
+            &MetadataViewModel::languageErrorChanged);
+    for (ModelOperation* operation : {m_saving, m_changingLanguages}) {
+        connect(operation, &ModelOperation::busyChanged, this, &MetadataViewModel::publish);
+        connect(operation, &ModelOperation::errorChanged, this, &MetadataViewModel::publish);
+    }
+    connect(&state.metadataDrafts(), &MetadataDraftStore::draftsChanged, this, &MetadataViewModel::publish);
+    publish();
 }
 
 MetadataViewModel::~MetadataViewModel() = default;
@@ -102,6 +132,43 @@ bool MetadataViewModel::isDemo() const {
     return m_state.isDemoActive();
 }
 
+bool MetadataViewModel::isLoading() const {
+    return m_loading->isBusy();
+}
+
+std::optional<QString> MetadataViewModel::loadError() const {
+    return m_loading->hasError() ? std::optional<QString>(m_loading->errorText()) : std::nullopt;
+}
+
+QString MetadataViewModel::loadErrorText() const {
+    return m_loading->errorText();
+}
+
+bool MetadataViewModel::isSaving() const {
+    return m_saving->isBusy();
+}
+
+std::optional<QString> MetadataViewModel::saveError() const {
+    return m_saving->hasError() ? std::optional<QString>(m_saving->errorText()) : std::nullopt;
+}
+
+QString MetadataViewModel::saveErrorText() const {
+    return m_saving->errorText();
+}
+
+bool MetadataViewModel::isChangingLanguages() const {
+    return m_changingLanguages->isBusy();
+}
+
+std::optional<QString> MetadataViewModel::languageError() const {
+    return m_changingLanguages->hasError() ? std::optional<QString>(m_changingLanguages->errorText())
+                                           : std::nullopt;
+}
+
+QString MetadataViewModel::languageErrorText() const {
+    return m_changingLanguages->errorText();
+}
+
 std::optional<ManagedLocalization> MetadataViewModel::savedLocalization(const QString& locale) const {
     for (const auto& localization : m_localizations) {
         if (localization.locale == locale) {
@@ -112,76 +179,78 @@ std::optional<ManagedLocalization> MetadataViewModel::savedLocalization(const QS
 }
 
 QCoro::Task<> MetadataViewModel::load(bool forceRefresh) {
-    QPointer<MetadataViewModel> self(this);
+    co_await loadLatest(forceRefresh);
+}
+
+QCoro::Task<bool> MetadataViewModel::loadLatest(bool forceRefresh) {
+    auto run = m_loading->start();
     if (isDemo()) {
         m_editableVersionString = u"3.1.0"_s;
         m_editedVersionState = ASCAppStoreVersionState(ASCAppStoreVersionState::Case::PrepareForSubmission);
         m_isFirstVersion = false;
         m_localizations = MockData::localizations(m_app.id);
-        m_loadError.reset();
         selectDefaultLocale();
         loadEditBuffer();
-        Q_EMIT stateChanged();
-        co_return;
+        run.succeed();
+        publish();
+        co_return true;
     }
     const auto account = m_state.accountStore().selectedAccount();
     if (!account) {
-        m_loadError = VelmoraAPIError::notConfigured().errorDescription();
-        Q_EMIT stateChanged();
-        co_return;
+        run.fail(VelmoraAPIError::notConfigured().errorDescription());
+        co_return true;
     }
-    m_isLoading = true;
-    m_loadError.reset();
-    Q_EMIT stateChanged();
     try {
         auto client = co_await m_state.accountStore().makeClient(*account);
-        if (!self) {
-            co_return;
+        if (!run) {
+            co_return false;
         }
         const QString appID = m_app.id;
         const auto versions = co_await m_state.versionsService().versions(appID, client, forceRefresh);
-        if (!self) {
-            co_return;
+        if (!run) {
+            co_return false;
         }
         if (versions.isEmpty()) {
-            m_loadError = u"Für diese App wurde noch keine Version angelegt."_s;
-        } else {
-            auto edited = std::find_if(versions.cbegin(), versions.cend(),
-                                       [](const VelmoraVersion& v) { return isFullyEditable(v.state); });
-            const VelmoraVersion& version = edited != versions.cend() ? *edited : versions.first();
-            m_isFirstVersion = versions.size() < 2;
-            m_editableVersionString = version.versionString;
-            m_editedVersionState = version.state;
-            m_currentVersionID = version.id;
-
-            m_currentAppInfoID = co_await m_state.localizationsService().appInfoID(appID, client);
-            if (!self) {
-                co_return;
-            }
-            if (!m_currentAppInfoID) {
-                m_loadError = u"Für diese App wurden keine App-Info-Daten gefunden."_s;
-            } else {
-                const auto appInfoID = m_currentAppInfoID;
-                const auto versionID = m_currentVersionID;
-                auto merged = co_await m_state.localizationsService().localizations(
-                    appID, appInfoID, versionID, client, forceRefresh);
-                if (!self) {
-                    co_return;
-                }
-                m_localizations = std::move(merged);
-                selectDefaultLocale();
-                loadEditBuffer();
-            }
+            run.fail(u"Für diese App wurde noch keine Version angelegt."_s);
+            publish();
+            co_return true;
         }
+        auto edited = std::find_if(versions.cbegin(), versions.cend(),
+                                   [](const VelmoraVersion& v) { return isFullyEditable(v.state); });
+        const VelmoraVersion version = edited != versions.cend() ? *edited : versions.first();
+        const auto appInfoID = co_await m_state.localizationsService().appInfoID(appID, client);
+        if (!run) {
+            co_return false;
+        }
+        m_isFirstVersion = versions.size() < 2;
+        m_editableVersionString = version.versionString;
+        m_editedVersionState = version.state;
+        m_currentVersionID = version.id;
+        m_currentAppInfoID = appInfoID;
+        if (!appInfoID) {
+            run.fail(u"Für diese App wurden keine App-Info-Daten gefunden."_s);
+            publish();
+            co_return true;
+        }
+        const auto versionID = m_currentVersionID;
+        auto merged = co_await m_state.localizationsService().localizations(appID, appInfoID, versionID,
+                                                                            client, forceRefresh);
+        if (!run) {
+            co_return false;
+        }
+        m_localizations = std::move(merged);
+        selectDefaultLocale();
+        loadEditBuffer();
+        run.succeed();
     } catch (const std::exception& error) {
-        if (!self) {
-            co_return;
+        if (!run) {
+            co_return false;
         }
         // A failed load leaves the languages that were already shown.
-        m_loadError = describeError(error);
+        run.fail(error);
     }
-    m_isLoading = false;
-    Q_EMIT stateChanged();
+    publish();
+    co_return true;
 }
 
 void MetadataViewModel::selectDefaultLocale() {
@@ -207,7 +276,7 @@ void MetadataViewModel::setBuffer(std::optional<ManagedLocalization> buffer, boo
     m_isRestoringBuffer = restoring;
     m_editBuffer = std::move(buffer);
     m_isRestoringBuffer = false;
-    Q_EMIT bufferChanged();
+    publish();
 }
 
 void MetadataViewModel::loadEditBuffer() {
@@ -229,10 +298,9 @@ void MetadataViewModel::selectLocale(const QString& locale) {
         return;
     }
     m_selectedLocale = locale;
-    m_saveError.reset();
+    m_saving->clearError();
     m_didJustSave = false;
     loadEditBuffer();
-    Q_EMIT stateChanged();
 }
 
 void MetadataViewModel::editBufferWith(const ManagedLocalization& localization) {
@@ -245,7 +313,7 @@ void MetadataViewModel::editBufferWith(const ManagedLocalization& localization) 
         // Every edit is kept as a draft at once, so that it survives a change of language.
         m_state.metadataDrafts().store(*m_editBuffer, m_app.id, savedLocalization(m_editBuffer->locale));
     }
-    Q_EMIT bufferChanged();
+    publish();
 }
 
 void MetadataViewModel::setField(const QString& key, const QString& text) {
@@ -302,101 +370,95 @@ std::optional<QString> MetadataViewModel::restrictedFieldsHint() const {
 }
 
 QCoro::Task<> MetadataViewModel::save() {
-    QPointer<MetadataViewModel> self(this);
     if (!m_editBuffer || !m_selectedLocale) {
         co_return;
     }
+    auto run = m_saving->start();
+    m_didJustSave = false;
     if (auto reason = m_state.writeBlockedReason()) {
-        m_saveError = reason;
-        Q_EMIT stateChanged();
+        run.fail(*reason);
         co_return;
     }
     if (isDemo()) {
-        m_saveError = WriteGate::demoMessage();
-        Q_EMIT stateChanged();
+        run.fail(WriteGate::demoMessage());
         co_return;
     }
     const auto account = m_state.accountStore().selectedAccount();
     if (!account) {
         co_return;
     }
-    m_isSaving = true;
-    m_saveError.reset();
-    m_didJustSave = false;
-    Q_EMIT stateChanged();
 
     const ManagedLocalization intended = *m_editBuffer;
     const QString locale = *m_selectedLocale;
     const std::optional<ManagedLocalization> previous = savedLocalization(locale);
     try {
         auto client = co_await m_state.accountStore().makeClient(*account);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         const auto sides = co_await m_state.localizationsService().save(intended, previous, client);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         if (!sides.any()) {
-            m_saveError = u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht."_s;
-            m_isSaving = false;
-            Q_EMIT stateChanged();
+            run.fail(u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht."_s);
             co_return;
         }
     } catch (const std::exception& error) {
-        if (!self) {
-            co_return;
-        }
         // What was typed stays in the buffer and the draft; a side that Apple took stays taken.
-        m_saveError = describeError(error);
-        m_isSaving = false;
-        Q_EMIT stateChanged();
+        run.fail(error);
         co_return;
     }
 
     m_state.metadataDrafts().clear(m_app.id, locale);
-    co_await load(true);
-    if (!self) {
+    const bool reloaded = co_await loadLatest(true);
+    if (!run) {
         co_return;
     }
-    if (m_loadError) {
-        // The write went through; only reading it back failed. The list still holds the state
-        // before the save, and comparing with it would blame Apple for every changed field. The
-        // typed text stays on screen and as a draft until a reload can compare.
-        setBuffer(intended, true);
+    if (!reloaded || m_loading->hasError()) {
+        // The write went through; only reading it back failed (or a newer load took over). The
+        // list still holds the state before the save, and comparing with it would blame Apple for
+        // every changed field. The typed text stays on screen and as a draft until a reload can
+        // compare.
+        if (m_selectedLocale == locale) {
+            setBuffer(intended, true);
+        }
         m_state.metadataDrafts().store(intended, m_app.id, savedLocalization(locale));
-        m_saveError = m_loadError;
-        m_isSaving = false;
-        Q_EMIT stateChanged();
+        if (m_loading->hasError()) {
+            run.fail(m_loading->errorText());
+        } else {
+            run.succeed();
+        }
         co_return;
     }
-    const auto reloaded = savedLocalization(locale);
-    const QStringList notTaken = reloaded ? intended.differingFieldNames(*reloaded) : QStringList();
-    if (notTaken.isEmpty() && reloaded) {
+    const auto saved = savedLocalization(locale);
+    const QStringList notTaken = saved ? intended.differingFieldNames(*saved) : QStringList();
+    if (notTaken.isEmpty() && saved) {
         m_didJustSave = true;
-    } else if (reloaded) {
+        run.succeed();
+    } else if (saved) {
         // Apple answered with success but kept its own values: what the user typed stays visible.
         setBuffer(intended, true);
-        m_state.metadataDrafts().store(intended, m_app.id, reloaded);
-        m_saveError = u"App Store Connect hat "_s + notTaken.join(u", "_s) + u" nicht übernommen. "_s +
-                      restrictedFieldsHint().value_or(u"Der eingegebene Text bleibt hier stehen."_s);
+        m_state.metadataDrafts().store(intended, m_app.id, saved);
+        run.fail(u"App Store Connect hat "_s + notTaken.join(u", "_s) + u" nicht übernommen. "_s +
+                 restrictedFieldsHint().value_or(u"Der eingegebene Text bleibt hier stehen."_s));
+    } else {
+        run.succeed();
     }
-    m_isSaving = false;
-    Q_EMIT stateChanged();
+    publish();
 }
 
 void MetadataViewModel::beginAddingLanguage() {
-    m_isAddingLanguage = true;
     m_newLanguageLocale.clear();
     m_newLanguageSeedLocale.clear();
-    m_languageError.reset();
-    Q_EMIT stateChanged();
+    m_changingLanguages->clearError();
+    setAddingLanguage(true);
 }
 
 void MetadataViewModel::setAddingLanguage(bool on) {
     if (m_isAddingLanguage != on) {
         m_isAddingLanguage = on;
-        Q_EMIT stateChanged();
+        Q_EMIT isAddingLanguageChanged();
     }
 }
 
@@ -405,43 +467,41 @@ void MetadataViewModel::setNewLanguage(const QString& locale, const QString& see
     m_newLanguageSeedLocale = seedLocale;
 }
 
+void MetadataViewModel::startAddLanguage(const QString& locale, const QString& seedLocale) {
+    setNewLanguage(locale, seedLocale);
+    QCoro::connect(addLanguage(), this, [] {});
+}
+
 QCoro::Task<> MetadataViewModel::addLanguage() {
-    QPointer<MetadataViewModel> self(this);
     const QString locale = m_newLanguageLocale.trimmed();
     if (locale.isEmpty()) {
         co_return;
     }
+    auto run = m_changingLanguages->start();
     if (!AppStoreLocales::looksValid(locale)) {
-        m_languageError =
-            u"„"_s + locale + u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja)."_s;
-        Q_EMIT stateChanged();
+        run.fail(u"„"_s + locale + u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja)."_s);
         co_return;
     }
     if (auto reason = m_state.writeBlockedReason()) {
-        m_languageError = reason;
-        Q_EMIT stateChanged();
+        run.fail(*reason);
         co_return;
     }
     const auto account = m_state.accountStore().selectedAccount();
     if (isDemo() || !account) {
-        m_languageError = WriteGate::demoMessage();
-        Q_EMIT stateChanged();
+        run.fail(WriteGate::demoMessage());
         co_return;
     }
-    m_isChangingLanguages = true;
-    m_languageError.reset();
-    Q_EMIT stateChanged();
     const std::optional<ManagedLocalization> seed = savedLocalization(m_newLanguageSeedLocale.trimmed());
     const auto appInfoID = m_currentAppInfoID;
     const auto versionID = m_currentVersionID;
     try {
         auto client = co_await m_state.accountStore().makeClient(*account);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         const ManagedLocalization created = co_await m_state.localizationsService().createLocalization(
             locale, appInfoID, versionID, seed, client);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         m_localizations.append(created);
@@ -449,16 +509,12 @@ QCoro::Task<> MetadataViewModel::addLanguage() {
             m_localizations.begin(), m_localizations.end(),
             [](const ManagedLocalization& a, const ManagedLocalization& b) { return a.locale < b.locale; });
         m_selectedLocale = created.locale;
+        setAddingLanguage(false);
         loadEditBuffer();
-        m_isAddingLanguage = false;
+        run.succeed();
     } catch (const std::exception& error) {
-        if (!self) {
-            co_return;
-        }
-        m_languageError = describeError(error);
+        run.fail(error);
     }
-    m_isChangingLanguages = false;
-    Q_EMIT stateChanged();
 }
 
 void MetadataViewModel::requestDeleteLanguage(const QString& locale) {
@@ -466,13 +522,11 @@ void MetadataViewModel::requestDeleteLanguage(const QString& locale) {
         return;
     }
     if (auto reason = m_state.writeBlockedReason()) {
-        m_languageError = reason;
-        Q_EMIT stateChanged();
+        m_changingLanguages->setError(*reason);
         return;
     }
     if (isDemo()) {
-        m_languageError = WriteGate::demoMessage();
-        Q_EMIT stateChanged();
+        m_changingLanguages->setError(WriteGate::demoMessage());
         return;
     }
     const QString name = AppStoreLocales::displayName(locale);
@@ -513,23 +567,20 @@ void MetadataViewModel::confirmPendingWrite() {
 }
 
 QCoro::Task<> MetadataViewModel::requestDeleteLanguageConfirmed(QString locale) {
-    QPointer<MetadataViewModel> self(this);
     const auto saved = savedLocalization(locale);
     const auto account = m_state.accountStore().selectedAccount();
     if (!saved || !account) {
         co_return;
     }
-    m_isChangingLanguages = true;
-    m_languageError.reset();
-    Q_EMIT stateChanged();
+    auto run = m_changingLanguages->start();
     try {
         auto client = co_await m_state.accountStore().makeClient(*account);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         const ManagedLocalization target = *saved;
         co_await m_state.localizationsService().deleteLocalization(target, client);
-        if (!self) {
+        if (!run) {
             co_return;
         }
         m_localizations.removeIf([&](const ManagedLocalization& l) { return l.locale == locale; });
@@ -539,14 +590,10 @@ QCoro::Task<> MetadataViewModel::requestDeleteLanguageConfirmed(QString locale) 
             selectDefaultLocale();
         }
         loadEditBuffer();
+        run.succeed();
     } catch (const std::exception& error) {
-        if (!self) {
-            co_return;
-        }
-        m_languageError = describeError(error);
+        run.fail(error);
     }
-    m_isChangingLanguages = false;
-    Q_EMIT stateChanged();
 }
 
 QStringList MetadataViewModel::addableLocales() const {
@@ -569,18 +616,99 @@ void MetadataViewModel::startSave() {
     QCoro::connect(save(), this, [] {});
 }
 
-void MetadataViewModel::startAddLanguage() {
-    QCoro::connect(addLanguage(), this, [] {});
-}
-
 QString MetadataViewModel::versionStateName() const {
     return m_editedVersionState ? m_editedVersionState->displayName() : QString();
 }
 
-QVariantList MetadataViewModel::localeRows() const {
+QString MetadataViewModel::restoredDraftText() const {
+    if (!m_restoredDraftDate) {
+        return {};
+    }
+    return u"Entwurf vom %1 wiederhergestellt – noch nicht gespeichert."_s.arg(
+        QLocale(QLocale::German).toString(m_restoredDraftDate->toLocalTime(), u"dd.MM.yyyy, HH:mm"_s));
+}
+
+QString MetadataViewModel::saveMessage() const {
+    return m_didJustSave ? u"Gespeichert. App Store Connect hat alle Felder übernommen."_s : QString();
+}
+
+void MetadataViewModel::publish() {
+    Published next;
+    next.versionHeading = m_editableVersionString
+                              ? u"Version "_s + *m_editableVersionString + u" · "_s + versionStateName()
+                              : QString();
+    next.restrictedFieldsHint = restrictedFieldsHintText();
+    // One matrix per change serves the summary and the languages' rows.
     const LocalizationMatrix matrix = LocalizationMatrix::make(
         m_localizations, MetadataValidator::Context{m_app.name, m_isFirstVersion}, m_app.primaryLocale, {});
-    QVariantList rows;
+    next.matrixSummary = m_localizations.isEmpty() ? QString() : matrix.summaryText();
+    next.selectedLocale = selectedLocaleText();
+    next.hasUnsavedChanges = hasUnsavedChanges();
+    next.canSave = next.hasUnsavedChanges && !m_saving->isBusy();
+    next.restoredDraftText = restoredDraftText();
+    next.saveStatusIsError = m_saving->hasError();
+    next.saveStatus = next.saveStatusIsError ? m_saving->errorText() : saveMessage();
+    next.canChangeLanguages = !m_changingLanguages->isBusy();
+    next.canRemoveLanguage = next.canChangeLanguages && m_selectedLocale.has_value();
+
+    using M = MetadataViewModel;
+    Published& p = m_published;
+    publishValue(this, p.versionHeading, next.versionHeading, &M::versionHeadingChanged);
+    publishValue(this, p.restrictedFieldsHint, next.restrictedFieldsHint, &M::restrictedFieldsHintChanged);
+    publishValue(this, p.matrixSummary, next.matrixSummary, &M::matrixSummaryChanged);
+    publishValue(this, p.selectedLocale, next.selectedLocale, &M::selectedLocaleChanged);
+    publishValue(this, p.hasUnsavedChanges, next.hasUnsavedChanges, &M::hasUnsavedChangesChanged);
+    publishValue(this, p.canSave, next.canSave, &M::canSaveChanged);
+    publishValue(this, p.restoredDraftText, next.restoredDraftText, &M::restoredDraftTextChanged);
+    publishValue(this, p.saveStatus, next.saveStatus, &M::saveStatusChanged);
+    publishValue(this, p.saveStatusIsError, next.saveStatusIsError, &M::saveStatusIsErrorChanged);
+    publishValue(this, p.canChangeLanguages, next.canChangeLanguages, &M::canChangeLanguagesChanged);
+    publishValue(this, p.canRemoveLanguage, next.canRemoveLanguage, &M::canRemoveLanguageChanged);
+
+    publishFields();
+    publishLanguages(matrix);
+}
+
+void MetadataViewModel::publishFields() {
+    QList<RowListModel::Row> rows;
+    if (m_editBuffer) {
+        const auto result = validation();
+        const bool restricted = restrictedFieldsHint().has_value();
+        for (const auto& entry : fieldSpecs()) {
+            const QString text = (*m_editBuffer).*entry.member;
+            QString countText;
+            bool overLimit = false;
+            QStringList blocking;
+            QStringList warnings;
+            if (entry.validated) {
+                if (auto limit = MetadataValidator::characterLimit(*entry.validated)) {
+                    const int count = MetadataValidator::characterCount(text);
+                    countText = u"%1/%2"_s.arg(count).arg(*limit);
+                    overLimit = count > *limit;
+                }
+                if (result) {
+                    for (const auto& finding : result->findingsFor(*entry.validated)) {
+                        (finding.severity == ReleaseCheckSeverity::Confirmed ? blocking : warnings)
+                            .append(findingLine(finding));
+                    }
+                }
+            }
+            // A live or reviewed version takes only some fields; the others are marked in advance.
+            const bool versionBound =
+                entry.key == u"description"_s || entry.key == u"keywords"_s || entry.key == u"whatsNew"_s;
+            const bool isRestricted = restricted && versionBound;
+            rows.append(
+                {entry.key, entry.label,
+                 isRestricted ? entry.label + u" (nur mit neuer Version)"_s : entry.label, text, countText,
+                 countText.isEmpty() ? QString() : entry.label + u": "_s + countText + u" Zeichen"_s,
+                 overLimit, isRestricted, entry.multiline, blocking.join(u'\n'), warnings.join(u'\n')});
+        }
+    }
+    m_fields->setRows(rows);
+}
+
+void MetadataViewModel::publishLanguages(const LocalizationMatrix& matrix) {
+    QList<RowListModel::Row> rows;
     for (const auto& localization : m_localizations) {
         QStringList lacks;
         for (const auto& row : matrix.rows) {
@@ -598,95 +726,32 @@ QVariantList MetadataViewModel::localeRows() const {
                 }
             }
         }
-        rows.append(QVariantMap{
-            {u"locale"_s, localization.locale},
-            {u"displayName"_s, AppStoreLocales::displayName(localization.locale)},
-            {u"hasDraft"_s, m_state.metadataDrafts().draft(m_app.id, localization.locale).has_value()},
-            {u"isSelected"_s, m_selectedLocale == localization.locale},
-            {u"lacks"_s, lacks.isEmpty() ? QString() : u"Fehlt: "_s + lacks.join(u", "_s)},
-        });
+        const QString name = AppStoreLocales::displayName(localization.locale);
+        const bool hasDraft = m_state.metadataDrafts().draft(m_app.id, localization.locale).has_value();
+        const QString lacksText = lacks.isEmpty() ? QString() : u"Fehlt: "_s + lacks.join(u", "_s);
+        rows.append({localization.locale, name, hasDraft ? name + u"  ✎"_s : name, hasDraft,
+                     m_selectedLocale == localization.locale, lacksText,
+                     name + (hasDraft ? u", Entwurf"_s : QString()) +
+                         (lacksText.isEmpty() ? QString() : u", "_s + lacksText)});
     }
-    return rows;
-}
+    m_languages->setRows(rows);
 
-QString MetadataViewModel::matrixSummary() const {
-    if (m_localizations.isEmpty()) {
-        return {};
-    }
-    return LocalizationMatrix::make(m_localizations, MetadataValidator::Context{m_app.name, m_isFirstVersion},
-                                    m_app.primaryLocale, {})
-        .summaryText();
-}
-
-QVariantList MetadataViewModel::fieldRows() const {
-    QVariantList rows;
-    if (!m_editBuffer) {
-        return rows;
-    }
-    const auto result = validation();
-    const bool restricted = restrictedFieldsHint().has_value();
-    for (const auto& entry : fieldSpecs()) {
-        const QString text = (*m_editBuffer).*entry.member;
-        QVariantMap row{{u"key"_s, entry.key},        {u"label"_s, entry.label},
-                        {u"text"_s, text},           {u"multiline"_s, entry.multiline},
-                        {u"countText"_s, QString()}, {u"isOverLimit"_s, false}};
-        QVariantList findings;
-        if (entry.validated) {
-            if (auto limit = MetadataValidator::characterLimit(*entry.validated)) {
-                const int count = MetadataValidator::characterCount(text);
-                row.insert(u"countText"_s, u"%1/%2"_s.arg(count).arg(*limit));
-                row.insert(u"isOverLimit"_s, count > *limit);
-            }
-            if (result) {
-                for (const auto& finding : result->findingsFor(*entry.validated)) {
-                    findings.append(findingRow(finding));
-                }
-            }
-        }
-        // A live or reviewed version takes only some fields; the others are marked in advance.
-        const bool versionBound =
-            entry.key == u"description"_s || entry.key == u"keywords"_s || entry.key == u"whatsNew"_s;
-        row.insert(u"isRestricted"_s, restricted && versionBound);
-        row.insert(u"findings"_s, findings);
-        rows.append(row);
-    }
-    return rows;
-}
-
-QVariantList MetadataViewModel::crossLocaleRows() const {
-    QVariantList rows;
+    QList<RowListModel::Row> findings;
     for (const auto& finding : crossLocaleFindings()) {
-        rows.append(findingRow(finding));
+        findings.append({finding.id(), u"⚠ "_s + findingMessage(finding),
+                         finding.severity == ReleaseCheckSeverity::Confirmed});
     }
-    return rows;
-}
+    m_crossFindings->setRows(findings);
 
-QString MetadataViewModel::restoredDraftText() const {
-    if (!m_restoredDraftDate) {
-        return {};
-    }
-    return u"Entwurf vom %1 wiederhergestellt – noch nicht gespeichert."_s.arg(
-        QLocale(QLocale::German).toString(m_restoredDraftDate->toLocalTime(), u"dd.MM.yyyy, HH:mm"_s));
-}
-
-QString MetadataViewModel::saveMessage() const {
-    return m_didJustSave ? u"Gespeichert. App Store Connect hat alle Felder übernommen."_s : QString();
-}
-
-QVariantList MetadataViewModel::addableLocaleRows() const {
-    QVariantList rows;
+    QList<RowListModel::Row> addable;
     for (const auto& code : addableLocales()) {
-        rows.append(QVariantMap{{u"code"_s, code},
-                                {u"name"_s, AppStoreLocales::displayName(code) + u" ("_s + code + u')'}});
+        addable.append({code, AppStoreLocales::displayName(code) + u" ("_s + code + u')'});
     }
-    return rows;
-}
+    m_addable->setRows(addable);
 
-QVariantList MetadataViewModel::seedLocaleRows() const {
-    QVariantList rows{QVariantMap{{u"code"_s, QString()}, {u"name"_s, u"Leer beginnen"_s}}};
+    QList<RowListModel::Row> seeds{{QString(), u"Leer beginnen"_s}};
     for (const auto& code : seedLocales()) {
-        rows.append(QVariantMap{{u"code"_s, code},
-                                {u"name"_s, u"Texte aus "_s + AppStoreLocales::displayName(code)}});
+        seeds.append({code, u"Texte aus "_s + AppStoreLocales::displayName(code)});
     }
-    return rows;
+    m_seeds->setRows(seeds);
 }

@@ -1,5 +1,6 @@
 #include "api/AccountStore.h"
 #include "api/AuditLog.h"
+#include "api/RowListModel.h"
 #include "metadata/AppStoreLocales.h"
 #include "metadata/MetadataDraftStore.h"
 #include "metadata/MetadataViewModel.h"
@@ -13,12 +14,14 @@
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
+#include <QAbstractItemModelTester>
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -190,6 +193,7 @@ struct Fixture {
     QUrl apiRoot = QUrl(u"https://api.example.test"_s);
     std::unique_ptr<AppState> state;
     std::unique_ptr<MetadataViewModel> model;
+    std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
     FakeApple apple;
 
     void start() {
@@ -202,6 +206,17 @@ struct Fixture {
         auto settings = std::make_shared<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
         state = std::make_unique<AppState>(p, AppState::Options{settings});
         model = std::make_unique<MetadataViewModel>(*state, testApp());
+        for (QAbstractItemModel* list : std::initializer_list<QAbstractItemModel*>{
+                 model->fields(), model->languages(), model->crossLocaleFindingRows(),
+                 model->addableLocaleRows(), model->seedLocaleRows()}) {
+            testers.push_back(std::make_unique<QAbstractItemModelTester>(
+                list, QAbstractItemModelTester::FailureReportingMode::QtTest));
+        }
+    }
+
+    void dropModel() {
+        testers.clear();
+        model.reset();
     }
 
     Account addAccount() {
@@ -295,6 +310,11 @@ private Q_SLOTS:
     void removeLanguage();
     void demoSendsNothing();
     void keptTextOverRealHttp();
+    void editChangesOnlyItsRow_data();
+    void editChangesOnlyItsRow();
+    void languagesInPlace();
+    void lateLoadAnswer_data();
+    void lateLoadAnswer();
 };
 
 void TestMetadataViewModel::chooseVersion_data() {
@@ -697,6 +717,135 @@ void TestMetadataViewModel::keptTextOverRealHttp() {
         }
     }
     QCOMPARE(patches, 1);
+}
+
+void TestMetadataViewModel::editChangesOnlyItsRow_data() {
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("countText");
+
+    QTest::newRow("keywords") << u"keywords"_s << u"notizen,tagebuch,kalender"_s << u"25/100"_s;
+    QTest::newRow("description, multiline")
+        << u"description"_s << u"Alles.\nJetzt mit Kalender."_s << u"26/4000"_s;
+    QTest::newRow("promotional text over its limit")
+        << u"promotionalText"_s << QString(171, u'x') << u"171/170"_s;
+    QTest::newRow("unlimited, no counter")
+        << u"privacyPolicyText"_s << u"Wir speichern nichts."_s << QString();
+}
+
+void TestMetadataViewModel::editChangesOnlyItsRow() {
+    QFETCH(QString, key);
+    QFETCH(QString, text);
+    QFETCH(QString, countText);
+    Fixture f;
+    f.ready();
+    RowListModel* fields = f.model->fields();
+    QCOMPARE(fields->count(), MetadataViewModel::fieldKeysAndLabels().size());
+    const int row = fields->indexOfKey(key);
+    QVERIFY(row >= 0);
+    QSignalSpy changed(fields, &QAbstractItemModel::dataChanged);
+    QSignalSpy inserted(fields, &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(fields, &QAbstractItemModel::rowsRemoved);
+    QSignalSpy reset(fields, &QAbstractItemModel::modelReset);
+    QSignalSpy heading(f.model.get(), &MetadataViewModel::versionHeadingChanged);
+    QSignalSpy unsaved(f.model.get(), &MetadataViewModel::hasUnsavedChangesChanged);
+
+    f.model->setField(key, text);
+    QCOMPARE(inserted.size() + removed.size() + reset.size(), 0);
+    QVERIFY(!changed.isEmpty());
+    for (const auto& signal : changed) {
+        QCOMPARE(signal[0].toModelIndex().row(), row);
+        QCOMPARE(signal[1].toModelIndex().row(), row);
+    }
+    QCOMPARE(fields->value(row, MetadataViewModel::FieldText).toString(), text);
+    QCOMPARE(fields->value(row, MetadataViewModel::FieldCountText).toString(), countText);
+    QCOMPARE(fields->value(row, MetadataViewModel::FieldIsOverLimit).toBool(), countText == u"171/170"_s);
+    QCOMPARE(unsaved.size(), 1);
+    QVERIFY(f.model->canSave());
+    QCOMPARE(heading.size(), 0);
+
+    // The same text again changes nothing at all.
+    changed.clear();
+    f.model->setField(key, text);
+    QCOMPARE(changed.size(), 0);
+}
+
+void TestMetadataViewModel::languagesInPlace() {
+    Fixture f;
+    f.ready({u"v1:2.1:READY_FOR_SALE"_s});
+    RowListModel* languages = f.model->languages();
+    QCOMPARE(languages->count(), 2);
+    QCOMPARE(f.model->versionHeading(), u"Version 2.1 · Im Verkauf"_s);
+    const int german = languages->indexOfKey(u"de-DE"_s);
+    const int english = languages->indexOfKey(u"en-US"_s);
+    QVERIFY(languages->value(english, MetadataViewModel::LanguageIsSelected).toBool());
+    const int keywords = f.model->fields()->indexOfKey(u"keywords"_s);
+    QCOMPARE(f.model->fields()->value(keywords, MetadataViewModel::FieldTitle).toString(),
+             u"Keywords (nur mit neuer Version)"_s);
+
+    QSignalSpy fieldRows(f.model->fields(), &QAbstractItemModel::rowsRemoved);
+    QSignalSpy languageRows(languages, &QAbstractItemModel::rowsRemoved);
+    QSignalSpy selected(f.model.get(), &MetadataViewModel::selectedLocaleChanged);
+    f.model->setField(u"subtitle"_s, u"Entwurf"_s);
+    const QString name = AppStoreLocales::displayName(u"en-US"_s);
+    QCOMPARE(languages->value(english, MetadataViewModel::LanguageTitle).toString(), name + u"  ✎"_s);
+    QVERIFY(languages->value(english, MetadataViewModel::LanguageAccessibleName)
+                .toString()
+                .startsWith(name + u", Entwurf"_s));
+
+    f.model->selectLocale(u"de-DE"_s);
+    QCOMPARE(selected.size(), 1);
+    QVERIFY(languages->value(german, MetadataViewModel::LanguageIsSelected).toBool());
+    QVERIFY(!languages->value(english, MetadataViewModel::LanguageIsSelected).toBool());
+    QCOMPARE(f.model->fields()->value(0, MetadataViewModel::FieldText).toString(), u"Kladde"_s);
+    // Another language changes the rows' values, never the rows themselves.
+    QCOMPARE(fieldRows.size(), 0);
+    QCOMPARE(languageRows.size(), 0);
+    QVERIFY(f.model->addableLocaleRows()->indexOfKey(u"fr-FR"_s) >= 0);
+    QCOMPARE(f.model->addableLocaleRows()->indexOfKey(u"de-DE"_s), -1);
+    QCOMPARE(f.model->seedLocaleRows()->value(0, MetadataViewModel::ChoiceName).toString(),
+             u"Leer beginnen"_s);
+}
+
+void TestMetadataViewModel::lateLoadAnswer_data() {
+    QTest::addColumn<bool>("modelGone");
+    QTest::newRow("a newer load started") << false;
+    QTest::newRow("the model is gone") << true;
+}
+
+void TestMetadataViewModel::lateLoadAnswer() {
+    QFETCH(bool, modelGone);
+    Fixture f;
+    f.ready();
+    f.transport->holdReplies(true);
+    QCoro::Task<> first = f.model->load(true);
+    QVERIFY(spinUntil([&] { return f.transport->heldCount() > 0; }));
+    QVERIFY(f.model->isLoading());
+    f.transport->holdReplies(false);
+
+    if (modelGone) {
+        f.dropModel();
+    } else {
+        f.apple.languages[1].name = u"Notizbuch"_s;
+        f.load();
+        QCOMPARE(f.model->localizations()[1].name, u"Notizbuch"_s);
+    }
+
+    // The first load's answers come late and tell of another version and other texts.
+    f.transport->script("GET", u"/v1/apps/app-1/appStoreVersions"_s,
+                        {Answer::json(200, versionsPage({u"v9:9.0:PREPARE_FOR_SUBMISSION"_s}))});
+    f.apple.languages[1].name = u"Veraltet"_s;
+    f.transport->releaseHeld();
+    VarnisTest::awaitTask(std::move(first));
+    if (modelGone) {
+        return;
+    }
+    QCOMPARE(f.model->editableVersionText(), u"2.0"_s);
+    QCOMPARE(f.model->localizations()[1].name, u"Notizbuch"_s);
+    QCOMPARE(f.model->editBuffer()->name, u"Notizbuch"_s);
+    QCOMPARE(f.model->fields()->value(0, MetadataViewModel::FieldText).toString(), u"Notizbuch"_s);
+    QVERIFY(!f.model->isLoading());
+    QCOMPARE(f.model->loadErrorText(), QString());
 }
 
 QTEST_GUILESS_MAIN(TestMetadataViewModel)
