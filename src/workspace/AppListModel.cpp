@@ -28,6 +28,15 @@ void AppListModel::setFilter(const QString& text) {
     refresh();
 }
 
+void AppListModel::setListsAbove(QList<const AppListModel*> lists) {
+    m_above = std::move(lists);
+    for (const AppListModel* list : std::as_const(m_above)) {
+        connect(list, &QAbstractItemModel::rowsInserted, this, &AppListModel::refresh);
+        connect(list, &QAbstractItemModel::rowsRemoved, this, &AppListModel::refresh);
+    }
+    refresh();
+}
+
 void AppListModel::setFrozen(bool frozen) {
     m_frozen = frozen;
     if (!frozen && m_stale) {
@@ -40,12 +49,9 @@ QList<RowListModel::Row> AppListModel::computeRows() const {
     const QStringList recent = m_state.preferences().recentAppIDs();
     const QString selectedID = m_state.selectedApp() ? m_state.selectedApp()->id : QString();
     // The selected app is marked once, in the first list that shows it.
-    bool marksSelection = true;
-    if (m_kind == Kind::Recent) {
-        marksSelection = !favorites.contains(selectedID);
-    } else if (m_kind == Kind::All) {
-        marksSelection = !favorites.contains(selectedID) && !recent.contains(selectedID);
-    }
+    const bool marksSelection = std::none_of(m_above.cbegin(), m_above.cend(), [&](const AppListModel* list) {
+        return list->indexOfKey(selectedID) >= 0;
+    });
     const auto matches = [this](const ManagedApp& app) {
         return m_filter.isEmpty() || app.name.contains(m_filter, Qt::CaseInsensitive) ||
                app.bundleID.contains(m_filter, Qt::CaseInsensitive);

@@ -31,6 +31,9 @@ public:
     // While frozen the rows stay where they are (the pointer is over them); the changes come when
     // it thaws.
     void setFrozen(bool frozen);
+    // The lists shown above this one: the selected app is marked in the first list that shows
+    // it, so this one marks it only if none of these has it on screen.
+    void setListsAbove(QList<const AppListModel*> lists);
 
 private:
     QList<Row> computeRows() const;
@@ -40,4 +43,5 @@ private:
     QString m_filter;
     bool m_frozen = false;
     bool m_stale = false;
+    QList<const AppListModel*> m_above;
 };

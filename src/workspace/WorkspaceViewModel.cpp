@@ -18,6 +18,8 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
       m_all(new AppListModel(state, AppListModel::Kind::All, this)),
       m_sections(new SectionHost(state, registry, presenter, this)) {
     connect(m_all, &AppListModel::countChanged, this, &WorkspaceViewModel::noMatchTextChanged);
+    m_recents->setListsAbove({m_favorites});
+    m_all->setListsAbove({m_favorites, m_recents});
     const auto demoOrAccount = [this] {
         Q_EMIT isDemoActiveChanged();
         Q_EMIT isDemoModeEnabledChanged();

@@ -69,6 +69,8 @@ private Q_SLOTS:
         AppListModel all(*m_state, AppListModel::Kind::All);
         AppListModel favorites(*m_state, AppListModel::Kind::Favorites);
         AppListModel recent(*m_state, AppListModel::Kind::Recent);
+        recent.setListsAbove({&favorites});
+        all.setListsAbove({&favorites, &recent});
         QAbstractItemModelTester allTester(&all, QAbstractItemModelTester::FailureReportingMode::QtTest);
         QAbstractItemModelTester favTester(&favorites,
                                            QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -104,12 +106,16 @@ private Q_SLOTS:
         QCOMPARE(all.index(7).data(AppListModel::IsSelectedRole).toBool(), false);
 
         // While the pointer rests on the lists, a new recent entry waits instead of pushing rows.
+        // Meanwhile the full list marks the selection, since no list above shows it yet.
         recent.setFrozen(true);
         m_state->selectApp(m_state->apps()[42]);
         QCOMPARE(recent.rowCount(), 2);
+        QCOMPARE(all.index(42).data(AppListModel::IsSelectedRole).toBool(), true);
         recent.setFrozen(false);
         QCOMPARE(recent.rowCount(), 3);
         QCOMPARE(recent.index(0).data(AppListModel::AppIdRole).toString(), u"42"_s);
+        QCOMPARE(recent.index(0).data(AppListModel::IsSelectedRole).toBool(), true);
+        QCOMPARE(all.index(42).data(AppListModel::IsSelectedRole).toBool(), false);
     }
 
     void filterNarrowsInPlace_data() {
