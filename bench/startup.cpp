@@ -119,6 +119,10 @@ double runOnce(const QString& mode, const QString& dataDir, const QByteArray& ke
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"BENCH_KEY"_s, QString::fromLatin1(key));
     process.setProcessEnvironment(env);
+    if (qEnvironmentVariableIsSet("BENCH_TRACE")) {
+        // The children's own timeline goes straight to the terminal.
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    }
     QElapsedTimer timer;
     timer.start();
     process.start(QCoreApplication::applicationFilePath(), {u"--child"_s, mode, dataDir});

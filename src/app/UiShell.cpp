@@ -25,6 +25,14 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+// One shell per engine: the application has one, and tests make one after another.
+QHash<QQmlEngine*, UiShell*>& shells() {
+    static QHash<QQmlEngine*, UiShell*> byEngine;
+    return byEngine;
+}
+} // namespace
+
 UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent)
     : QObject(parent), m_state(state), m_engine(engine), m_sections(makeSectionRegistry()),
       m_writeConfirmation(new WriteConfirmationViewModel(this)),
@@ -37,11 +45,20 @@ UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent
       m_taskList(new TaskListModel(state.taskCenter(), this)),
       m_background(new BackgroundSettingsViewModel(state.preferences(), this)) {
     connect(m_workspace, &WorkspaceViewModel::appWindowRequested, this, &UiShell::openAppWindow);
+    shells().insert(&engine, this);
     // A new account shows its apps at once.
     connect(m_addAccount, &AddAccountViewModel::saved, m_workspace, &WorkspaceViewModel::refreshApps);
 }
 
+UiShell* UiShell::create(QQmlEngine* engine, QJSEngine*) {
+    UiShell* shell = shells().value(engine);
+    Q_ASSERT_X(shell, "UiShell::create", "the shell is made before its screens are loaded");
+    QJSEngine::setObjectOwnership(shell, QJSEngine::CppOwnership);
+    return shell;
+}
+
 UiShell::~UiShell() {
+    shells().remove(&m_engine);
     // The windows go before the models they bind to, so that no binding reads a model that is
     // already gone.
     for (const auto& window : std::as_const(m_appWindows)) {

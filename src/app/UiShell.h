@@ -5,13 +5,16 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QtQml/qqmlregistration.h>
 
 class AccountSettingsViewModel;
 class AddAccountViewModel;
 class AppState;
 class BackgroundSettingsViewModel;
 class ChangeLogViewModel;
+class QJSEngine;
 class QQmlApplicationEngine;
+class QQmlEngine;
 class QQuickWindow;
 class RateLimitStatusViewModel;
 class TaskListModel;
@@ -20,9 +23,33 @@ class WriteConfirmationViewModel;
 
 // Puts the screens on the presentation models: makes the models, hands them to QML, loads the
 // main window and opens the extra windows. Holds no decisions of its own.
+//
+// QML reaches it as the singleton `Shell`, the one root object of every screen: `Shell.workspace`,
+// `Shell.changeLog`, … — no context properties.
 class UiShell : public QObject {
     Q_OBJECT
+    QML_NAMED_ELEMENT(Shell)
+    QML_SINGLETON
+    Q_MOC_INCLUDE("api/AccountSettingsViewModel.h")
+    Q_MOC_INCLUDE("api/AddAccountViewModel.h")
+    Q_MOC_INCLUDE("api/ChangeLogViewModel.h")
+    Q_MOC_INCLUDE("api/RateLimitStatusViewModel.h")
+    Q_MOC_INCLUDE("api/TaskListModel.h")
+    Q_MOC_INCLUDE("api/WriteConfirmationViewModel.h")
+    Q_MOC_INCLUDE("workspace/BackgroundSettingsViewModel.h")
+    Q_MOC_INCLUDE("workspace/WorkspaceViewModel.h")
+    Q_PROPERTY(WorkspaceViewModel* workspace READ workspace CONSTANT)
+    Q_PROPERTY(AccountSettingsViewModel* accountSettings READ accountSettings CONSTANT)
+    Q_PROPERTY(AddAccountViewModel* addAccount READ addAccount CONSTANT)
+    Q_PROPERTY(RateLimitStatusViewModel* rateLimit READ rateLimit CONSTANT)
+    Q_PROPERTY(ChangeLogViewModel* changeLog READ changeLog CONSTANT)
+    Q_PROPERTY(TaskListModel* taskList READ taskList CONSTANT)
+    Q_PROPERTY(WriteConfirmationViewModel* writeConfirmation READ writeConfirmation CONSTANT)
+    Q_PROPERTY(BackgroundSettingsViewModel* backgroundSettings READ backgroundSettings CONSTANT)
 public:
+    // The shell of the engine that asks; QML never makes one.
+    static UiShell* create(QQmlEngine* engine, QJSEngine* scriptEngine);
+
     UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent = nullptr);
     ~UiShell() override;
 
@@ -39,6 +66,9 @@ public:
     AddAccountViewModel* addAccount() const { return m_addAccount; }
     ChangeLogViewModel* changeLog() const { return m_changeLog; }
     WriteConfirmationViewModel* writeConfirmation() const { return m_writeConfirmation; }
+    RateLimitStatusViewModel* rateLimit() const { return m_rateLimit; }
+    TaskListModel* taskList() const { return m_taskList; }
+    BackgroundSettingsViewModel* backgroundSettings() const { return m_background; }
 
     // A key combination as the platform writes it in menus ("Strg+," in German).
     Q_INVOKABLE QString shortcutText(const QVariant& sequence) const;
