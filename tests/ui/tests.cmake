@@ -12,3 +12,4 @@ function(varnis_add_ui_test name)
 endfunction()
 
 varnis_add_ui_test(tst_ui ${CMAKE_CURRENT_LIST_DIR}/tst_ui.cpp)
+varnis_add_ui_test(tst_settings ${CMAKE_CURRENT_LIST_DIR}/tst_settings.cpp)
