@@ -94,8 +94,11 @@ private Q_SLOTS:
     void findingsFollowEdits();
     void loadPrivateKey_data();
     void loadPrivateKey();
+    void keyFilePath();
     void testConnection_data();
     void testConnection();
+    void lateConnectionTestIsDropped_data();
+    void lateConnectionTestIsDropped();
     void save_data();
     void save();
     void capabilityCard();
@@ -228,8 +231,43 @@ void TestViewModels::loadPrivateKey() {
     QCOMPARE(vm.privateKeyFilename(), expectedFile);
     QCOMPARE(vm.keyID(), expectedKeyID);
     QVERIFY(vm.hasPrivateKey());
+    // The field keeps what was chosen or typed, right or wrong, and the dialog starts next to it.
+    QCOMPARE(vm.keyFilePath(), path);
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(content == "DIR" ? path : f.dir.filePath(u"pick"_s)));
     // Whatever went wrong with the new file, the key the form holds is still a usable one.
     QVERIFY(!findingsText(vm.findings()).contains(u"key.unusable:blocking"_s));
+}
+
+void TestViewModels::keyFilePath() {
+    Fixture f;
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", f.dir.path().toUtf8());
+    AddAccountViewModel vm(f.store(), f.platform());
+    // Without a key yet the dialog starts where Apple's download lands, or at home without one.
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(f.dir.path()));
+    QDir().mkpath(f.dir.filePath(u"Downloads"_s));
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(f.dir.filePath(u"Downloads"_s)));
+    qputenv("HOME", home);
+
+    // A typed path with blanks around it, as pasted from a terminal.
+    const QString path = f.writeFile(u"AuthKey_ABCDE12345.p8"_s, f.pem);
+    QSignalSpy keyChanged(&vm, &AddAccountViewModel::privateKeyChanged);
+    vm.loadPrivateKey(u"  "_s + path + u"\n"_s);
+    QCOMPARE(vm.errorMessage(), QString());
+    QCOMPARE(vm.keyFilePath(), path);
+    QCOMPARE(vm.keyID(), u"ABCDE12345"_s);
+    QCOMPARE(keyChanged.count(), 1);
+
+    // Leaving the field hands the same path over again; the file is not read a second time.
+    f.writeFile(u"AuthKey_ABCDE12345.p8"_s, "no longer a key");
+    vm.loadPrivateKey(path);
+    QCOMPARE(vm.errorMessage(), QString());
+    QCOMPARE(keyChanged.count(), 1);
+
+    // An empty field is no request to read anything.
+    vm.loadPrivateKey(QString());
+    QCOMPARE(vm.errorMessage(), QString());
+    QVERIFY(vm.hasPrivateKey());
 }
 
 void TestViewModels::testConnection_data() {
@@ -267,6 +305,51 @@ void TestViewModels::testConnection() {
     QVERIFY(!f.store().rateLimitGovernor()->updatedAt());
     QVERIFY(f.store().accounts().isEmpty());
     VARNIS_VERIFY_CONTRACT(*f.transport);
+}
+
+void TestViewModels::lateConnectionTestIsDropped_data() {
+    QTest::addColumn<int>("status");
+    QTest::newRow("late success") << 200;
+    QTest::newRow("late refusal") << 401;
+}
+
+void TestViewModels::lateConnectionTestIsDropped() {
+    QFETCH(int, status);
+
+    TestServer server;
+    server.script("GET", u"/v1/apps"_s,
+                  {TestServer::Reply::json(status, status == 200 ? R"({"data":[]})" : R"({"errors":[]})")});
+    TestPlatform seams;
+    Platform platform = seams.platform();
+    platform.transport = std::make_shared<QtHttpTransport>(seams.clock);
+    platform.apiRoot = server.baseUrl();
+    AppState state(platform, AppState::Options{seams.settings});
+    AddAccountViewModel vm(state.accountStore(), platform);
+    vm.setName(u"Neu"_s);
+    vm.setIssuerID(issuer);
+    QFile key(seams.dir.filePath(u"AuthKey_ABCDE12345.p8"_s));
+    QVERIFY(key.open(QIODevice::WriteOnly));
+    key.write(makeTestKey().privateKeyPEM);
+    key.close();
+    vm.loadPrivateKey(key.fileName());
+    QVERIFY(vm.canTest());
+
+    server.holdReplies(true);
+    auto pending = vm.testConnectionAsync();
+    QVERIFY(vm.isTesting());
+    QVERIFY(!vm.canSave());
+    QTRY_COMPARE(server.heldCount(), 1);
+
+    // Another key id: the answer on its way says nothing about it.
+    vm.setKeyID(u"FGHIJ67890"_s);
+    QVERIFY(!vm.isTesting());
+    QVERIFY(vm.canTest());
+    server.releaseHeld();
+    VarnisTest::awaitTask(std::move(pending));
+    QVERIFY(!vm.testSucceeded());
+    QCOMPARE(vm.testResultText(), QString());
+    QCOMPARE(vm.errorMessage(), QString());
+    QVERIFY(!vm.isTesting());
 }
 
 void TestViewModels::save_data() {
@@ -500,7 +583,9 @@ void TestViewModels::removal() {
     QCOMPARE(vm.currentName(), removed.name);
     QCOMPARE(vm.removalQuestion(), u"Account entfernen?"_s);
 
+    QSignalSpy reset(vm.accounts(), &QAbstractItemModel::modelReset);
     VarnisTest::awaitTask(vm.removeCurrentAsync());
+    QCOMPARE(reset.count(), 0);
     QCOMPARE(vm.errorMessage(), QString());
     QVERIFY(!f.secrets->contents().contains(removed.idText()));
     QCOMPARE(last.count(), offersOnboarding ? 1 : 0);
