@@ -84,8 +84,7 @@ Window {
             activeFocusOnTab: true
             delegate: ItemDelegate {
                 id: entry
-                required property string method
-                required property string path
+                required property string requestLine
                 required property string summary
                 required property string mark
                 required property string markColor
@@ -104,7 +103,7 @@ Window {
                         spacing: 0
                         Label {
                             Layout.fillWidth: true
-                            text: entry.method + " " + entry.path
+                            text: entry.requestLine
                             elide: Text.ElideMiddle
                             font.family: "monospace"
                         }

@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 ChangeLogListModel::ChangeLogListModel(QObject* parent)
     : RowListModel({"entryId", "dateText", "method", "path", "statusText", "requestIDText", "accountName",
-                    "errorMessage", "isSuccess", "symbol", "summary", "mark", "markColor", "accessibleName"},
+                    "errorMessage", "isSuccess", "symbol", "summary", "mark", "markColor", "accessibleName",
+                    "requestLine"},
                    parent) {}
 
 void ChangeLogListModel::setEntries(const QList<AuditLog::Entry>& entries) {
@@ -45,6 +46,7 @@ void ChangeLogListModel::setEntries(const QList<AuditLog::Entry>& entries) {
             success ? u"✓"_s : u"!"_s,
             success ? u"#1d6b2a"_s : u"#8a1c1c"_s,
             entry.method + u' ' + entry.path + u", "_s + statusText,
+            entry.method + u' ' + entry.path,
         });
     }
     setRows(rows);

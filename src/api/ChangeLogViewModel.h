@@ -28,7 +28,8 @@ public:
         SummaryColumn,
         MarkColumn,
         MarkColorColumn,
-        AccessibleNameColumn
+        AccessibleNameColumn,
+        RequestLineColumn
     };
 
     explicit ChangeLogListModel(QObject* parent = nullptr);

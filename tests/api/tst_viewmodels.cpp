@@ -692,6 +692,7 @@ void TestViewModels::changeLog() {
     QCOMPARE(changed.count(), 0);
     QCOMPARE(reset.count(), 0);
     QCOMPARE(role(*vm.entries(), 0, "summary").toString(), u"22.11.2026, 14:08 · 200 · Request-ID REQ-4"_s);
+    QCOMPARE(role(*vm.entries(), 0, "requestLine").toString(), u"PATCH /v1/apps/2"_s);
 
     QCOMPARE(vm.proposedFileName(), u"velmora-aenderungsprotokoll.tsv"_s);
     const QString target = dir.filePath(vm.proposedFileName());

@@ -3,6 +3,7 @@
 #include "api/AccountSettingsViewModel.h"
 #include "api/AccountStore.h"
 #include "api/AddAccountViewModel.h"
+#include "api/AuditLog.h"
 #include "support/TestKeys.h"
 
 #include <QDir>
@@ -248,6 +249,15 @@ private Q_SLOTS:
         QFETCH(int, modifiers);
 
         startDemo();
+        // One write in the log, so that the change log draws a row.
+        m_state->accountStore().auditLog()->record({QUuid::createUuid(),
+                                                    QDateTime::currentDateTimeUtc(),
+                                                    u"POST"_s,
+                                                    u"/v1/betaGroups"_s,
+                                                    201,
+                                                    u"REQ-1"_s,
+                                                    u"Team"_s,
+                                                    {}});
         if (window == u"settingsWindow"_s) {
             QTest::keyClick(mainWindow(), Qt::Key_Comma, Qt::ControlModifier);
         } else {
@@ -257,6 +267,11 @@ private Q_SLOTS:
         QTRY_VERIFY((opened = topLevel(window)) != nullptr);
         QVERIFY(QTest::qWaitForWindowExposed(opened));
         activate(opened);
+        if (window == u"changeLogWindow"_s) {
+            QQuickItem* list = findItem(opened, u"changeLogList"_s);
+            QVERIFY(list);
+            QTRY_COMPARE(list->property("count").toInt(), 1);
+        }
         QTest::keyClick(opened, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
         QTRY_VERIFY(!opened->isVisible());
         QVERIFY(mainWindow()->isVisible());
