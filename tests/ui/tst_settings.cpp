@@ -227,6 +227,15 @@ private Q_SLOTS:
         QTRY_VERIFY2(m_shell->accountSettings()->showsAccountDetails(),
                      qPrintable(textOf(settings, u"addAccountButton"_s)));
         QVERIFY(findItem(settings, u"readOnlySwitch"_s));
+
+        // "Zugriffe messen": without a server nothing is reachable, and the card says so per area.
+        QVERIFY(clickNamed(settings, u"probeButton"_s));
+        AccountSettingsViewModel* accounts = m_shell->accountSettings();
+        QTRY_COMPARE(accounts->capabilities()->rowCount(), 4);
+        QTRY_VERIFY(!accounts->isProbing());
+        QVERIFY(!accounts->statusMessage().isEmpty());
+        QCOMPARE(textOf(settings, u"accountStatusLabel"_s), accounts->statusMessage());
+        shoot(settings, u"settings-capabilities"_s);
     }
 
     void keyboardClosesWindows_data() {
