@@ -2,25 +2,29 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
+// The accounts: the one being edited with its switches and measurements, or the form for a new
+// key. Scrolls as a whole; the scroll bar keeps a lane of its own beside the fields.
 ScrollView {
     id: page
-    // The form for a new key is open; without any account it is always open.
-    property bool adding: false
+    objectName: "accountsPage"
     clip: true
     contentWidth: availableWidth
+    contentHeight: content.implicitHeight + 24
 
     ColumnLayout {
-        width: page.availableWidth
+        id: content
+        x: 12
+        y: 12
+        width: page.availableWidth - 24 - page.ScrollBar.vertical.width
         spacing: 10
 
         RowLayout {
             Layout.fillWidth: true
-            Layout.margins: 12
+            visible: accountSettings.showsAddButton
             ComboBox {
                 id: accountChoice
                 objectName: "settingsAccountChoice"
                 Layout.fillWidth: true
-                visible: count > 0
                 model: accountSettings.accounts
                 textRole: "name"
                 currentIndex: accountSettings.currentIndex
@@ -29,32 +33,26 @@ ScrollView {
             }
             Button {
                 objectName: "addAccountButton"
-                visible: accountChoice.count > 0
-                text: page.adding ? "Abbrechen" : "Account hinzufügen …"
+                text: accountSettings.addButtonText
                 onClicked: {
                     addAccount.reset()
-                    page.adding = !page.adding
+                    accountSettings.toggleAdding()
                 }
             }
         }
 
         AddAccountForm {
-            id: addForm
             Layout.fillWidth: true
-            Layout.leftMargin: 12
-            Layout.rightMargin: 12
-            visible: page.adding || accountChoice.count === 0
-            onSaved: page.adding = false
+            visible: accountSettings.showsAddForm
         }
 
         ColumnLayout {
             Layout.fillWidth: true
-            Layout.leftMargin: 12
-            Layout.rightMargin: 12
-            visible: accountChoice.count > 0 && !page.adding
+            visible: accountSettings.showsAccountDetails
             spacing: 8
 
             Switch {
+                objectName: "readOnlySwitch"
                 text: "Nur lesen – schreibende Aufrufe sperren"
                 checked: accountSettings.isReadOnly
                 onToggled: accountSettings.isReadOnly = checked
@@ -67,6 +65,7 @@ ScrollView {
                 }
                 TextField {
                     id: vendorField
+                    objectName: "vendorNumberField"
                     Layout.fillWidth: true
                     text: accountSettings.vendorNumber
                     placeholderText: "für Verkaufsberichte"
@@ -75,6 +74,7 @@ ScrollView {
                     onTextEdited: accountSettings.vendorNumber = text
                 }
                 Button {
+                    objectName: "saveVendorNumberButton"
                     text: "Sichern"
                     onClicked: accountSettings.saveVendorNumber()
                 }
@@ -96,12 +96,14 @@ ScrollView {
             }
 
             Label {
+                objectName: "accountStatusLabel"
                 Layout.fillWidth: true
                 visible: text !== ""
                 text: accountSettings.statusMessage
                 wrapMode: Text.Wrap
             }
             Label {
+                objectName: "accountErrorLabel"
                 Layout.fillWidth: true
                 visible: text !== ""
                 text: accountSettings.errorMessage
@@ -110,9 +112,18 @@ ScrollView {
             }
 
             Button {
+                objectName: "removeAccountButton"
                 text: "Account entfernen …"
+                enabled: accountSettings.canRemove
                 onClicked: removeDialog.open()
             }
+        }
+    }
+
+    Connections {
+        target: addAccount
+        function onSaved() {
+            accountSettings.finishAdding()
         }
     }
 
@@ -121,6 +132,7 @@ ScrollView {
         objectName: "removeAccountDialog"
         title: accountSettings.removalQuestion
         modal: true
+        parent: Overlay.overlay
         anchors.centerIn: parent
         width: 420
         Label {
@@ -134,6 +146,7 @@ ScrollView {
                 DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
             }
             Button {
+                objectName: "confirmRemoveButton"
                 text: "Entfernen"
                 DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole
                 onClicked: {

@@ -6,7 +6,6 @@ import QtQuick.Layouts
 // A new API key: the findings show up while the user types.
 GroupBox {
     id: form
-    signal saved
     title: "Neuer Account"
 
     ColumnLayout {
@@ -23,6 +22,7 @@ GroupBox {
                 Layout.fillWidth: true
                 text: addAccount.name
                 placeholderText: "z. B. Studio"
+                objectName: "nameField"
                 Accessible.name: "Name"
                 onTextEdited: addAccount.name = text
             }
@@ -33,6 +33,7 @@ GroupBox {
                 Layout.fillWidth: true
                 text: addAccount.issuerID
                 placeholderText: "57246542-96fe-1a63-e053-0824d011072a"
+                objectName: "issuerIDField"
                 Accessible.name: "Issuer-ID"
                 onTextEdited: addAccount.issuerID = text
             }
@@ -43,6 +44,7 @@ GroupBox {
                 Layout.fillWidth: true
                 text: addAccount.keyID
                 placeholderText: "ABCDE12345"
+                objectName: "keyIDField"
                 Accessible.name: "Key-ID"
                 onTextEdited: addAccount.keyID = text
             }
@@ -53,6 +55,7 @@ GroupBox {
                 Layout.fillWidth: true
                 text: addAccount.vendorNumber
                 placeholderText: "optional"
+                objectName: "newVendorNumberField"
                 Accessible.name: "Vendor-Nummer"
                 onTextEdited: addAccount.vendorNumber = text
             }
@@ -61,16 +64,37 @@ GroupBox {
             }
             RowLayout {
                 Layout.fillWidth: true
-                Label {
+                TextField {
+                    id: keyFileField
+                    objectName: "keyFileField"
                     Layout.fillWidth: true
-                    text: addAccount.hasPrivateKey ? addAccount.privateKeyFilename : "Keine Datei gewählt"
-                    elide: Text.ElideMiddle
+                    text: addAccount.keyFilePath
+                    placeholderText: addAccount.keyFilePlaceholder
+                    Accessible.name: "Pfad zur Schlüsseldatei"
+                    // Return and leaving the field both take the typed path.
+                    onEditingFinished: addAccount.loadPrivateKey(text)
                 }
                 Button {
+                    objectName: "chooseKeyFileButton"
+                    visible: addAccount.canChooseFile
                     text: "Datei wählen …"
-                    onClicked: keyDialog.open()
+                    onClicked: {
+                        if (!form.keyDialog)
+                            form.keyDialog = keyDialogComponent.createObject(form)
+                        // Should the dialog fail to load, nothing is opened and the field stays.
+                        if (form.keyDialog)
+                            form.keyDialog.open()
+                    }
                 }
             }
+        }
+
+        Label {
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: addAccount.keyFileHint
+            wrapMode: Text.Wrap
+            color: palette.placeholderText
         }
 
         Label {
@@ -86,13 +110,14 @@ GroupBox {
             delegate: Label {
                 required property var modelData
                 Layout.fillWidth: true
-                text: (modelData.severity === "blocking" ? "✗ " : "⚠ ") + modelData.message
-                color: modelData.severity === "blocking" ? "#8a1c1c" : "#7a5a00"
+                text: modelData.text
+                color: modelData.color
                 wrapMode: Text.Wrap
             }
         }
 
         Label {
+            objectName: "addAccountError"
             Layout.fillWidth: true
             visible: text !== ""
             text: addAccount.errorMessage
@@ -100,8 +125,9 @@ GroupBox {
             wrapMode: Text.Wrap
         }
         Label {
-            visible: addAccount.testSucceeded
-            text: "✓ Verbindung steht."
+            objectName: "testResultLabel"
+            visible: text !== ""
+            text: addAccount.testResultText
             color: "#1d6b2a"
         }
 
@@ -113,30 +139,33 @@ GroupBox {
                 implicitHeight: 24
             }
             Button {
+                objectName: "testConnectionButton"
                 text: "Verbindung testen"
-                enabled: addAccount.isValid && !addAccount.isTesting
+                enabled: addAccount.canTest
                 onClicked: addAccount.testConnection()
             }
             Button {
+                objectName: "saveAccountButton"
                 text: "Sichern"
                 highlighted: true
-                enabled: addAccount.isValid && !addAccount.isTesting
+                enabled: addAccount.canSave
                 onClicked: addAccount.save()
             }
         }
     }
 
-    Connections {
-        target: addAccount
-        function onSaved() {
-            form.saved()
-        }
-    }
+    // Made on first use: the dialog's QML is loaded only when someone asks for it, and should
+    // making it fail there is no dialog to open rather than one without its implementation.
+    property var keyDialog: null
 
-    FileDialog {
-        id: keyDialog
-        title: "API-Schlüssel wählen"
-        nameFilters: ["API-Schlüssel (*.p8)", "Alle Dateien (*)"]
-        onAccepted: addAccount.loadPrivateKey(selectedFile.toString())
+    Component {
+        id: keyDialogComponent
+        FileDialog {
+            objectName: "keyFileDialog"
+            title: "API-Schlüssel wählen"
+            currentFolder: addAccount.keyFileFolder
+            nameFilters: ["API-Schlüssel (*.p8)", "Alle Dateien (*)"]
+            onAccepted: addAccount.loadPrivateKey(selectedFile.toString())
+        }
     }
 }

@@ -2,9 +2,18 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-Pane {
+ScrollView {
+    id: page
+    objectName: "backgroundPage"
+    clip: true
+    contentWidth: availableWidth
+    contentHeight: content.implicitHeight + 24
+
     ColumnLayout {
-        anchors.fill: parent
+        id: content
+        x: 12
+        y: 12
+        width: page.availableWidth - 24 - page.ScrollBar.vertical.width
         spacing: 10
         Label {
             Layout.fillWidth: true
@@ -12,15 +21,19 @@ Pane {
             wrapMode: Text.Wrap
         }
         Switch {
+            objectName: "backgroundRefreshSwitch"
             text: "Im Hintergrund auf Änderungen prüfen"
             checked: backgroundSettings.isBackgroundRefreshEnabled
             onToggled: backgroundSettings.isBackgroundRefreshEnabled = checked
         }
         RowLayout {
+            Layout.fillWidth: true
             Label {
                 text: "Abstand"
             }
             ComboBox {
+                objectName: "intervalChoice"
+                Layout.fillWidth: true
                 model: backgroundSettings.intervalTitles
                 currentIndex: backgroundSettings.intervalIndex
                 enabled: backgroundSettings.isBackgroundRefreshEnabled
@@ -29,17 +42,16 @@ Pane {
             }
         }
         Switch {
+            objectName: "notificationsSwitch"
             text: "Mitteilungen zeigen"
             checked: backgroundSettings.areNotificationsEnabled
             onToggled: backgroundSettings.areNotificationsEnabled = checked
         }
         Switch {
+            objectName: "menuBarSwitch"
             text: "Symbol in der Menüleiste"
             checked: backgroundSettings.isMenuBarEnabled
             onToggled: backgroundSettings.isMenuBarEnabled = checked
-        }
-        Item {
-            Layout.fillHeight: true
         }
     }
 }

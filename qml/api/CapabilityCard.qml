@@ -15,22 +15,26 @@ GroupBox {
             wrapMode: Text.Wrap
         }
         Repeater {
-            model: accountSettings.capabilityRows
+            model: accountSettings.capabilities
             delegate: RowLayout {
-                required property var modelData
+                required property string title
+                required property string hint
+                required property string mark
+                required property string markColor
+                required property string accessibleName
                 Layout.fillWidth: true
-                Accessible.name: modelData.title + (modelData.available ? ": verfügbar" : ": nicht verfügbar")
+                Accessible.name: accessibleName
                 Label {
-                    text: modelData.available ? "✓" : "✗"
-                    color: modelData.available ? "#1d6b2a" : "#8a1c1c"
+                    text: parent.mark
+                    color: parent.markColor
                 }
                 Label {
-                    text: modelData.title
+                    text: parent.title
                     font.bold: true
                 }
                 Label {
                     Layout.fillWidth: true
-                    text: modelData.hint
+                    text: parent.hint
                     wrapMode: Text.Wrap
                     color: palette.placeholderText
                 }
@@ -44,6 +48,7 @@ GroupBox {
                 implicitHeight: 24
             }
             Button {
+                objectName: "probeButton"
                 text: "Zugriffe messen"
                 enabled: !accountSettings.isProbing
                 onClicked: accountSettings.probe()

@@ -23,6 +23,12 @@ Window {
         requestActivate()
     }
 
+    // Esc and Ctrl+W close the window, as its own close button does.
+    Shortcut {
+        sequences: ["Esc", "Ctrl+W"]
+        onActivated: window.close()
+    }
+
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 12
@@ -36,7 +42,12 @@ Window {
             Button {
                 text: "Als Text sichern …"
                 enabled: !changeLog.isEmpty
-                onClicked: saveDialog.open()
+                onClicked: {
+                    if (!window.saveDialog)
+                        window.saveDialog = saveDialogComponent.createObject(window)
+                    if (window.saveDialog)
+                        window.saveDialog.open()
+                }
             }
             Button {
                 text: "Protokoll leeren"
@@ -73,21 +84,18 @@ Window {
             activeFocusOnTab: true
             delegate: ItemDelegate {
                 id: entry
-                required property string dateText
-                required property string method
-                required property string path
-                required property string statusText
-                required property string requestIDText
-                required property string accountName
-                required property string errorMessage
-                required property bool isSuccess
+                required property string requestLine
+                required property string summary
+                required property string mark
+                required property string markColor
+                required property string accessibleName
                 width: list.width
-                Accessible.name: method + " " + path + ", " + statusText
+                Accessible.name: accessibleName
                 contentItem: RowLayout {
                     spacing: 8
                     Label {
-                        text: entry.isSuccess ? "✓" : "!"
-                        color: entry.isSuccess ? "#1d6b2a" : "#8a1c1c"
+                        text: entry.mark
+                        color: entry.markColor
                         font.bold: true
                     }
                     ColumnLayout {
@@ -95,13 +103,13 @@ Window {
                         spacing: 0
                         Label {
                             Layout.fillWidth: true
-                            text: entry.method + " " + entry.path
+                            text: entry.requestLine
                             elide: Text.ElideMiddle
                             font.family: "monospace"
                         }
                         Label {
                             Layout.fillWidth: true
-                            text: [entry.dateText, entry.statusText, entry.requestIDText, entry.accountName, entry.errorMessage].filter(t => t !== "").join(" · ")
+                            text: entry.summary
                             elide: Text.ElideRight
                             color: palette.placeholderText
                         }
@@ -111,13 +119,20 @@ Window {
         }
     }
 
-    FileDialog {
-        id: saveDialog
-        title: "Änderungsprotokoll sichern"
-        fileMode: FileDialog.SaveFile
-        acceptLabel: "Sichern"
-        currentFile: changeLog.proposedFileName
-        nameFilters: ["Text mit Tabulatoren (*.tsv)"]
-        onAccepted: changeLog.exportTo(selectedFile.toString())
+    // Made on first use; should making the dialog fail, there is no dialog to open rather than
+    // one without its implementation.
+    property var saveDialog: null
+
+    Component {
+        id: saveDialogComponent
+        FileDialog {
+            objectName: "changeLogSaveDialog"
+            title: "Änderungsprotokoll sichern"
+            fileMode: FileDialog.SaveFile
+            acceptLabel: "Sichern"
+            currentFile: changeLog.proposedFileName
+            nameFilters: ["Text mit Tabulatoren (*.tsv)"]
+            onAccepted: changeLog.exportTo(selectedFile.toString())
+        }
     }
 }

@@ -2,9 +2,18 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-Pane {
+ScrollView {
+    id: page
+    objectName: "generalPage"
+    clip: true
+    contentWidth: availableWidth
+    contentHeight: content.implicitHeight + 24
+
     ColumnLayout {
-        anchors.fill: parent
+        id: content
+        x: 12
+        y: 12
+        width: page.availableWidth - 24 - page.ScrollBar.vertical.width
         spacing: 10
         Switch {
             objectName: "demoSwitch"
@@ -13,13 +22,11 @@ Pane {
             onToggled: workspace.isDemoModeEnabled = checked
         }
         Label {
+            objectName: "demoExplanationLabel"
             Layout.fillWidth: true
-            text: workspace.demoExplanation
+            text: accountSettings.demoExplanation
             wrapMode: Text.Wrap
             color: palette.placeholderText
-        }
-        Item {
-            Layout.fillHeight: true
         }
     }
 }

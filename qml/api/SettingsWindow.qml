@@ -23,6 +23,12 @@ Window {
         requestActivate()
     }
 
+    // Esc and Ctrl+W close the window, as its own close button does; an open popup takes Esc first.
+    Shortcut {
+        sequences: ["Esc", "Ctrl+W"]
+        onActivated: settings.close()
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -31,12 +37,15 @@ Window {
             objectName: "settingsTabs"
             Layout.fillWidth: true
             TabButton {
+                objectName: "accountsTab"
                 text: "Accounts"
             }
             TabButton {
+                objectName: "backgroundTab"
                 text: "Hintergrund"
             }
             TabButton {
+                objectName: "generalTab"
                 text: "Allgemein"
             }
         }

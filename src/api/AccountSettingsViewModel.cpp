@@ -2,102 +2,62 @@
 
 #include "api/AccountStore.h"
 #include "api/AddAccountViewModel.h"
+#include "api/ModelOperation.h"
 #include "platform/VarnisError.h"
 #include "wire/JsonReader.h"
 #include "workspace/AppState.h"
 
 #include <QPointer>
-#include <QVariantMap>
 
 using namespace Qt::StringLiterals;
 
 AccountListModel::AccountListModel(AccountStore& store, QObject* parent)
-    : QAbstractListModel(parent), m_store(store), m_accounts(store.accounts()),
-      m_selectedID(store.selectedAccountID()) {}
-
-int AccountListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_accounts.size());
-}
-
-QVariant AccountListModel::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
-        return {};
-    }
-    const Account& account = m_accounts.at(index.row());
-    switch (role) {
-    case NameRole:
-        return account.name;
-    case KeyIDRole:
-        return account.keyID;
-    case IssuerIDRole:
-        return account.issuerID;
-    case IsReadOnlyRole:
-        return account.isReadOnly;
-    case IsSelectedRole:
-        return m_selectedID == account.id;
-    case VendorNumberRole:
-        return account.vendorNumber.value_or(QString());
-    case IsEphemeralRole:
-        return m_store.isEphemeral();
-    default:
-        return {};
-    }
-}
-
-QHash<int, QByteArray> AccountListModel::roleNames() const {
-    return {
-        {NameRole, "name"},
-        {KeyIDRole, "keyID"},
-        {IssuerIDRole, "issuerID"},
-        {IsReadOnlyRole, "isReadOnly"},
-        {IsSelectedRole, "isSelected"},
-        {VendorNumberRole, "vendorNumber"},
-        {IsEphemeralRole, "isEphemeral"},
-    };
+    : RowListModel({"accountId", "name", "keyID", "issuerID", "isReadOnly", "isSelected", "vendorNumber",
+                    "isEphemeral"},
+                   parent),
+      m_store(store) {
+    sync();
 }
 
 int AccountListModel::rowOf(const QUuid& id) const {
-    for (int row = 0; row < m_accounts.size(); ++row) {
-        if (m_accounts.at(row).id == id) {
-            return row;
-        }
-    }
-    return -1;
+    return indexOfKey(id.toString(QUuid::WithoutBraces));
 }
 
 void AccountListModel::sync() {
-    const QList<Account>& fresh = m_store.accounts();
+    m_accounts = m_store.accounts();
     const auto selected = m_store.selectedAccountID();
-    const bool sameRows = std::equal(m_accounts.cbegin(), m_accounts.cend(), fresh.cbegin(), fresh.cend(),
-                                     [](const Account& a, const Account& b) { return a.id == b.id; });
-    if (!sameRows) {
-        beginResetModel();
-        m_accounts = fresh;
-        m_selectedID = selected;
-        endResetModel();
-        return;
+    QList<Row> rows;
+    rows.reserve(m_accounts.size());
+    for (const Account& account : std::as_const(m_accounts)) {
+        rows.append(Row{
+            account.id.toString(QUuid::WithoutBraces),
+            account.name,
+            account.keyID,
+            account.issuerID,
+            account.isReadOnly,
+            selected == account.id,
+            account.vendorNumber.value_or(QString()),
+            m_store.isEphemeral(),
+        });
     }
-    QList<int> changedRows;
-    for (int row = 0; row < m_accounts.size(); ++row) {
-        const QUuid& id = m_accounts.at(row).id;
-        if (m_accounts.at(row) != fresh.at(row) || (m_selectedID == id) != (selected == id)) {
-            changedRows.append(row);
-        }
-    }
-    m_accounts = fresh;
-    m_selectedID = selected;
-    for (int row : std::as_const(changedRows)) {
-        Q_EMIT dataChanged(index(row), index(row));
-    }
+    setRows(rows);
 }
 
 AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* parent)
     : QObject(parent), m_state(state), m_store(state.accountStore()),
-      m_list(new AccountListModel(state.accountStore(), this)) {
+      m_list(new AccountListModel(state.accountStore(), this)),
+      m_capabilities(
+          new RowListModel({"title", "available", "hint", "mark", "markColor", "accessibleName"}, this)),
+      m_probing(new ModelOperation(this)), m_removing(new ModelOperation(this)) {
     connect(&m_store, &AccountStore::accountsChanged, this, &AccountSettingsViewModel::accountsDidChange);
     connect(&m_store, &AccountStore::selectedAccountChanged, this,
             &AccountSettingsViewModel::accountsDidChange);
+    for (ModelOperation* operation : {m_probing, m_removing}) {
+        connect(operation, &ModelOperation::busyChanged, this, &AccountSettingsViewModel::busyChanged);
+        connect(operation, &ModelOperation::errorChanged, this, &AccountSettingsViewModel::messagesChanged);
+    }
     followCurrent();
+    syncCapabilities();
 }
 
 AccountSettingsViewModel::~AccountSettingsViewModel() = default;
@@ -107,10 +67,15 @@ std::optional<Account> AccountSettingsViewModel::currentAccount() const {
 }
 
 void AccountSettingsViewModel::accountsDidChange() {
+    const bool hadAccounts = hasAccounts();
     m_list->sync();
     followCurrent();
+    syncCapabilities();
     Q_EMIT currentChanged();
     Q_EMIT busyChanged();
+    if (hadAccounts != hasAccounts()) {
+        Q_EMIT addingChanged();
+    }
 }
 
 void AccountSettingsViewModel::followCurrent() {
@@ -118,6 +83,10 @@ void AccountSettingsViewModel::followCurrent() {
         return;
     }
     const auto selected = m_store.selectedAccountID();
+    // The page shows another account now: what was measured or asked for the previous one is not
+    // its business.
+    m_probing->abandon();
+    m_probing->clearError();
     if (selected) {
         m_currentID = selected;
     } else if (!m_store.accounts().isEmpty()) {
@@ -143,7 +112,11 @@ void AccountSettingsViewModel::setCurrentIndex(int row) {
     const Account& account = m_list->accounts().at(row);
     m_currentID = account.id;
     m_vendorNumber = account.vendorNumber.value_or(QString());
+    m_probing->abandon();
+    m_probing->clearError();
+    m_removing->clearError();
     setMessages({}, {});
+    syncCapabilities();
     Q_EMIT vendorNumberChanged();
     Q_EMIT currentChanged();
     Q_EMIT busyChanged();
@@ -204,25 +177,68 @@ QString AccountSettingsViewModel::capabilityHeadline() const {
            u"eine Messung, keine Auskunft."_s;
 }
 
-QVariantList AccountSettingsViewModel::capabilityRows() const {
+void AccountSettingsViewModel::syncCapabilities() {
     const auto account = currentAccount();
-    if (!account || !account->capabilities) {
-        return {};
+    QList<RowListModel::Row> rows;
+    if (account && account->capabilities) {
+        for (const auto& finding : account->capabilities->findings()) {
+            rows.append(RowListModel::Row{
+                finding.title,
+                finding.available,
+                finding.hint,
+                finding.available ? u"✓"_s : u"✗"_s,
+                finding.available ? u"#1d6b2a"_s : u"#8a1c1c"_s,
+                finding.title + (finding.available ? u": verfügbar"_s : u": nicht verfügbar"_s),
+            });
+        }
     }
-    QVariantList rows;
-    for (const auto& finding : account->capabilities->findings()) {
-        rows.append(QVariantMap{
-            {u"title"_s, finding.title},
-            {u"available"_s, finding.available},
-            {u"hint"_s, finding.hint},
-        });
+    m_capabilities->setRows(rows);
+}
+
+bool AccountSettingsViewModel::isProbing() const {
+    return m_probing->isBusy();
+}
+
+bool AccountSettingsViewModel::isRemoving() const {
+    return m_removing->isBusy();
+}
+
+QString AccountSettingsViewModel::errorMessage() const {
+    if (!m_errorMessage.isEmpty()) {
+        return m_errorMessage;
     }
-    return rows;
+    return m_removing->hasError() ? m_removing->errorText() : m_probing->errorText();
+}
+
+QString AccountSettingsViewModel::addButtonText() const {
+    return m_isAdding ? u"Abbrechen"_s : u"Account hinzufügen …"_s;
+}
+
+QString AccountSettingsViewModel::demoExplanation() const {
+    return u"Der Demo-Modus zeigt erfundene Beispiel-Apps, ohne Account und ohne Netz. Beispieldaten gibt es "
+           u"bisher für die Übersicht, die Store-Texte und die Versionen; die übrigen Bereiche bleiben im "
+           u"Demo-Modus leer. Es wird nichts an App Store Connect geschickt."_s;
+}
+
+void AccountSettingsViewModel::setAdding(bool adding) {
+    if (m_isAdding == adding) {
+        return;
+    }
+    m_isAdding = adding;
+    Q_EMIT addingChanged();
+}
+
+void AccountSettingsViewModel::toggleAdding() {
+    setAdding(!m_isAdding);
+}
+
+void AccountSettingsViewModel::finishAdding() {
+    setAdding(false);
 }
 
 bool AccountSettingsViewModel::canRemove() const {
     // An account from the environment lives for this run only; there is nothing stored to delete.
-    return hasCurrent() && !m_store.isEphemeral() && !m_isRemoving;
+    return hasCurrent() && !m_store.isEphemeral() && !isRemoving();
 }
 
 QString AccountSettingsViewModel::removalQuestion() const {
@@ -241,22 +257,6 @@ void AccountSettingsViewModel::setMessages(const QString& error, const QString& 
     m_errorMessage = error;
     m_statusMessage = status;
     Q_EMIT messagesChanged();
-}
-
-void AccountSettingsViewModel::setProbing(bool probing) {
-    if (m_isProbing == probing) {
-        return;
-    }
-    m_isProbing = probing;
-    Q_EMIT busyChanged();
-}
-
-void AccountSettingsViewModel::setRemoving(bool removing) {
-    if (m_isRemoving == removing) {
-        return;
-    }
-    m_isRemoving = removing;
-    Q_EMIT busyChanged();
 }
 
 void AccountSettingsViewModel::saveVendorNumber() {
@@ -281,23 +281,22 @@ void AccountSettingsViewModel::probe() {
 
 QCoro::Task<> AccountSettingsViewModel::probeAsync() {
     const auto account = currentAccount();
-    if (!account || m_isProbing) {
+    if (!account || isProbing()) {
         co_return;
     }
-    QPointer<AccountSettingsViewModel> self(this);
     setMessages({}, {});
-    setProbing(true);
+    auto run = m_probing->start();
     AccountStore& store = m_store;
     const Account target = *account;
-    try {
-        // Never raises by design; the result reaches the card through the store's update.
-        co_await store.probeCapabilities(target);
-    } catch (...) {
-    }
-    if (!self) {
+    // Never raises by design; the result reaches the card through the store's update, which
+    // keeps it with the account measured even when the page shows another one by now.
+    const AccountCapabilities measured = co_await store.probeCapabilities(target);
+    if (!run) {
         co_return;
     }
-    setProbing(false);
+    setMessages({}, u"Zugriffe von „"_s + target.name + u"“ gemessen am "_s +
+                        measured.checkedAt.toLocalTime().toString(u"dd.MM.yyyy, HH:mm"_s) + u"."_s);
+    run.succeed();
 }
 
 void AccountSettingsViewModel::removeCurrent() {
@@ -309,26 +308,19 @@ QCoro::Task<> AccountSettingsViewModel::removeCurrentAsync() {
     if (!account || !canRemove()) {
         co_return;
     }
-    QPointer<AccountSettingsViewModel> self(this);
     setMessages({}, {});
-    setRemoving(true);
+    auto run = m_removing->start();
     AppState& state = m_state;
     AccountStore& store = m_store;
     const Account target = *account;
     const bool wasSelected = store.selectedAccountID() == target.id;
-    QString failure;
     try {
         co_await store.removeAccount(target);
     } catch (const std::exception& error) {
-        failure = describeError(error);
+        run.fail(error);
+        co_return;
     } catch (...) {
-        failure = u"Unerwarteter Fehler."_s;
-    }
-    if (!failure.isEmpty()) {
-        if (self) {
-            setRemoving(false);
-            setMessages(failure, {});
-        }
+        run.fail(u"Unerwarteter Fehler."_s);
         co_return;
     }
 
@@ -351,10 +343,10 @@ QCoro::Task<> AccountSettingsViewModel::removeCurrentAsync() {
             // Loading publishes its own failures on AppState.
         }
     }
-    if (!self) {
+    if (!run) {
         co_return;
     }
-    setRemoving(false);
+    run.succeed();
     setMessages({}, u"„"_s + target.name + u"“ wurde entfernt."_s);
     if (!next && !state.isDemoModeEnabled()) {
         Q_EMIT lastAccountRemoved();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/Account.h"
+#include "api/RowListModel.h"
 
 #include <QAbstractListModel>
 #include <QCoro/QCoroTask>
@@ -11,38 +12,36 @@
 
 class AccountStore;
 class AppState;
+class ModelOperation;
 
-// The stored accounts as the settings list and the account switcher show them.
-class AccountListModel : public QAbstractListModel {
+// The stored accounts as the settings list and the account switcher show them, keyed by the
+// account's id: an edit, an addition or a removal changes only its own row, so the switcher
+// and the settings keep their place.
+class AccountListModel : public RowListModel {
     Q_OBJECT
 public:
-    enum Role {
-        NameRole = Qt::UserRole + 1,
-        KeyIDRole,
-        IssuerIDRole,
-        IsReadOnlyRole,
-        IsSelectedRole,
-        VendorNumberRole,
-        IsEphemeralRole,
+    enum Column {
+        AccountIDColumn,
+        NameColumn,
+        KeyIDColumn,
+        IssuerIDColumn,
+        IsReadOnlyColumn,
+        IsSelectedColumn,
+        VendorNumberColumn,
+        IsEphemeralColumn
     };
 
     explicit AccountListModel(AccountStore& store, QObject* parent = nullptr);
 
-    int rowCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QHash<int, QByteArray> roleNames() const override;
-
     const QList<Account>& accounts() const { return m_accounts; }
     int rowOf(const QUuid& id) const;
 
-    // Takes the store's list: rows change in place while the accounts stay the same ones in the
-    // same order, so that a view keeps its place; anything else starts the list over.
+    // Takes the store's list, row by row.
     void sync();
 
 private:
     AccountStore& m_store;
     QList<Account> m_accounts;
-    std::optional<QUuid> m_selectedID;
 };
 
 // The accounts page of the settings: the list, the account being edited (read-only switch,
@@ -60,7 +59,8 @@ class AccountSettingsViewModel : public QObject {
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
     Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberChanged)
     Q_PROPERTY(QString capabilityHeadline READ capabilityHeadline NOTIFY currentChanged)
-    Q_PROPERTY(QVariantList capabilityRows READ capabilityRows NOTIFY currentChanged)
+    // title, available, hint, mark ("✓"/"✗"), markColor, accessibleName; keyed by title.
+    Q_PROPERTY(QAbstractListModel* capabilities READ capabilities CONSTANT)
     Q_PROPERTY(bool isProbing READ isProbing NOTIFY busyChanged)
     Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY busyChanged)
     Q_PROPERTY(bool canRemove READ canRemove NOTIFY busyChanged)
@@ -68,6 +68,14 @@ class AccountSettingsViewModel : public QObject {
     Q_PROPERTY(QString removalExplanation READ removalExplanation NOTIFY currentChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY messagesChanged)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY messagesChanged)
+    // The form for a new key is open; without any account it always shows.
+    Q_PROPERTY(bool isAdding READ isAdding NOTIFY addingChanged)
+    Q_PROPERTY(bool showsAddForm READ showsAddForm NOTIFY addingChanged)
+    Q_PROPERTY(bool showsAccountDetails READ showsAccountDetails NOTIFY addingChanged)
+    Q_PROPERTY(bool showsAddButton READ showsAddButton NOTIFY addingChanged)
+    Q_PROPERTY(QString addButtonText READ addButtonText NOTIFY addingChanged)
+    // What demo mode shows, for the general page of the settings.
+    Q_PROPERTY(QString demoExplanation READ demoExplanation CONSTANT)
 
 public:
     explicit AccountSettingsViewModel(AppState& state, QObject* parent = nullptr);
@@ -88,16 +96,28 @@ public:
     void setVendorNumber(const QString& text);
     QString vendorNumberMessage() const;
     QString capabilityHeadline() const;
-    QVariantList capabilityRows() const;
-    bool isProbing() const { return m_isProbing; }
-    bool isRemoving() const { return m_isRemoving; }
+    QAbstractListModel* capabilities() const { return m_capabilities; }
+    bool isProbing() const;
+    bool isRemoving() const;
     bool canRemove() const;
     QString removalQuestion() const;
     QString removalExplanation() const;
-    QString errorMessage() const { return m_errorMessage; }
+    QString errorMessage() const;
     QString statusMessage() const { return m_statusMessage; }
+    bool isAdding() const { return m_isAdding; }
+    bool showsAddForm() const { return m_isAdding || !hasAccounts(); }
+    bool showsAccountDetails() const { return !showsAddForm(); }
+    bool showsAddButton() const { return hasAccounts(); }
+    QString addButtonText() const;
+    QString demoExplanation() const;
 
-    // Measures what the current account's key may do.
+    // "Account hinzufügen …" and its "Abbrechen".
+    Q_INVOKABLE void toggleAdding();
+    // The new account is stored: back to the account being edited.
+    Q_INVOKABLE void finishAdding();
+
+    // Measures what the current account's key may do. Choosing another account drops the answer
+    // for this page; the measurement is still kept with the account it was made for.
     Q_INVOKABLE void probe();
     // Stores the edited vendor number, blank as none; refuses anything but digits.
     Q_INVOKABLE void saveVendorNumber();
@@ -114,6 +134,7 @@ Q_SIGNALS:
     void vendorNumberChanged();
     void busyChanged();
     void messagesChanged();
+    void addingChanged();
     // The last account is gone and the demo switch is off: the window shows its empty state and
     // offers to add an account. With the demo switch on it shows the sample data instead, and
     // this is not emitted.
@@ -125,16 +146,18 @@ private:
     // Keeps editing the same account while it exists; otherwise the one selected for work.
     void followCurrent();
     void setMessages(const QString& error, const QString& status);
-    void setProbing(bool probing);
-    void setRemoving(bool removing);
+    void syncCapabilities();
+    void setAdding(bool adding);
 
     AppState& m_state;
     AccountStore& m_store;
     AccountListModel* m_list;
+    RowListModel* m_capabilities;
+    ModelOperation* m_probing;
+    ModelOperation* m_removing;
     std::optional<QUuid> m_currentID;
     QString m_vendorNumber;
-    bool m_isProbing = false;
-    bool m_isRemoving = false;
     QString m_errorMessage;
     QString m_statusMessage;
+    bool m_isAdding = false;
 };

@@ -3,12 +3,15 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/JWTService.h"
+#include "api/ModelOperation.h"
 #include "platform/LocalPath.h"
 #include "platform/VarnisError.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QPointer>
+#include <QLibraryInfo>
+#include <QStandardPaths>
 #include <QStringDecoder>
 #include <QUrl>
 #include <QVariantMap>
@@ -66,7 +69,14 @@ KeyFile readKeyFile(const QString& path) {
 } // namespace
 
 AddAccountViewModel::AddAccountViewModel(AccountStore& store, Platform platform, QObject* parent)
-    : QObject(parent), m_store(store), m_platform(std::move(platform)) {}
+    : QObject(parent), m_store(store), m_platform(std::move(platform)), m_testing(new ModelOperation(this)),
+      m_saving(new ModelOperation(this)) {
+    connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::testStateChanged);
+    connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::validationChanged);
+    connect(m_saving, &ModelOperation::busyChanged, this, &AddAccountViewModel::validationChanged);
+    connect(m_testing, &ModelOperation::errorChanged, this, &AddAccountViewModel::errorMessageChanged);
+    connect(m_saving, &ModelOperation::errorChanged, this, &AddAccountViewModel::errorMessageChanged);
+}
 
 AddAccountViewModel::~AddAccountViewModel() = default;
 
@@ -109,7 +119,59 @@ void AddAccountViewModel::setVendorNumber(const QString& vendorNumber) {
 }
 
 QString AddAccountViewModel::testResultText() const {
-    return m_testSucceeded ? u"Verbindung erfolgreich."_s : QString();
+    return m_testSucceeded ? u"✓ Verbindung steht."_s : QString();
+}
+
+QString AddAccountViewModel::keyFilePlaceholder() const {
+    return u"Pfad zur .p8-Datei, z. B. ~/Downloads/AuthKey_ABCDE12345.p8"_s;
+}
+
+QUrl AddAccountViewModel::keyFileFolder() const {
+    if (!m_keyFilePath.isEmpty()) {
+        const QFileInfo typed(m_keyFilePath);
+        const QString folder = typed.isDir() ? typed.absoluteFilePath() : typed.absolutePath();
+        if (QFileInfo(folder).isDir()) {
+            return QUrl::fromLocalFile(folder);
+        }
+    }
+    // Apple hands the key out once, as a download.
+    const QString downloads = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    if (!downloads.isEmpty() && QFileInfo(downloads).isDir()) {
+        return QUrl::fromLocalFile(downloads);
+    }
+    return QUrl::fromLocalFile(QDir::homePath());
+}
+
+bool AddAccountViewModel::canChooseFile() const {
+    // Qt's own file dialog lists folders with this module; without it the dialog fails to load
+    // and takes the application down when it is asked for the chosen file.
+    static const bool installed = QFileInfo::exists(QLibraryInfo::path(QLibraryInfo::QmlImportsPath) +
+                                                    u"/Qt/labs/folderlistmodel/qmldir"_s);
+    return installed;
+}
+
+QString AddAccountViewModel::keyFileHint() const {
+    return canChooseFile() ? QString()
+                           : u"Die Dateiauswahl steht hier nicht zur Verfügung; bitte den Pfad eintippen."_s;
+}
+
+QString AddAccountViewModel::errorMessage() const {
+    if (!m_fileError.isEmpty()) {
+        return m_fileError;
+    }
+    return m_saving->hasError() ? m_saving->errorText() : m_testing->errorText();
+}
+
+bool AddAccountViewModel::isTesting() const {
+    return m_testing->isBusy();
+}
+
+bool AddAccountViewModel::isSaving() const {
+    return m_saving->isBusy();
+}
+
+bool AddAccountViewModel::canTest() const {
+    return isValid() && !isTesting();
 }
 
 bool AddAccountViewModel::isValid() const {
@@ -119,18 +181,19 @@ bool AddAccountViewModel::isValid() const {
 }
 
 bool AddAccountViewModel::canSave() const {
-    return isValid() && vendorNumberMessage().isEmpty() && !m_isSaving;
+    return isValid() && vendorNumberMessage().isEmpty() && !isSaving() && !isTesting();
 }
 
 QVariantList AddAccountViewModel::findings() const {
     QVariantList list;
     for (const auto& finding : m_findings) {
+        const bool blocking = finding.severity == KeyImportValidator::Finding::Severity::Blocking;
         list.append(QVariantMap{
             {u"id"_s, finding.id},
-            {u"severity"_s, finding.severity == KeyImportValidator::Finding::Severity::Blocking
-                                ? u"blocking"_s
-                                : u"warning"_s},
+            {u"severity"_s, blocking ? u"blocking"_s : u"warning"_s},
             {u"message"_s, finding.message},
+            {u"text"_s, (blocking ? u"✗ "_s : u"⚠ "_s) + finding.message},
+            {u"color"_s, blocking ? u"#8a1c1c"_s : u"#7a5a00"_s},
         });
     }
     return list;
@@ -150,59 +213,59 @@ void AddAccountViewModel::revalidate() {
 }
 
 void AddAccountViewModel::invalidateTest() {
-    ++m_testRun;
-    setTestState(false, false);
+    m_testing->abandon();
+    setTestSucceeded(false);
 }
 
-void AddAccountViewModel::setErrorMessage(const QString& message) {
-    if (m_errorMessage == message) {
+void AddAccountViewModel::setFileError(const QString& message) {
+    if (m_fileError == message) {
         return;
     }
-    m_errorMessage = message;
+    m_fileError = message;
     Q_EMIT errorMessageChanged();
 }
 
-void AddAccountViewModel::setTestState(bool testing, bool succeeded) {
-    if (m_isTesting == testing && m_testSucceeded == succeeded) {
+void AddAccountViewModel::setTestSucceeded(bool succeeded) {
+    if (m_testSucceeded == succeeded) {
         return;
     }
-    m_isTesting = testing;
     m_testSucceeded = succeeded;
     Q_EMIT testStateChanged();
 }
 
-void AddAccountViewModel::setSaving(bool saving) {
-    if (m_isSaving == saving) {
-        return;
-    }
-    m_isSaving = saving;
-    Q_EMIT validationChanged();
-}
-
 void AddAccountViewModel::loadPrivateKey(const QString& pathOrFileUrl) {
-    setErrorMessage({});
-    if (m_testSucceeded) {
-        setTestState(m_isTesting, false);
-    }
-    const auto path = localPathFrom(pathOrFileUrl);
-    if (!path) {
-        setErrorMessage(u"Auf die Datei konnte nicht zugegriffen werden."_s);
+    const auto path = localPathFrom(pathOrFileUrl.trimmed());
+    if (path && hasPrivateKey() && *path == m_keyFilePath) {
         return;
     }
+    m_saving->clearError();
+    m_testing->clearError();
+    setFileError({});
+    setTestSucceeded(false);
+    if (!path) {
+        setFileError(pathOrFileUrl.trimmed().isEmpty() ? QString()
+                                                       : u"Auf die Datei konnte nicht zugegriffen werden."_s);
+        return;
+    }
+    // The field keeps what was typed, so that a typing error can be corrected in place.
+    const bool typedChanged = m_keyFilePath != *path;
+    m_keyFilePath = *path;
     const KeyFile file = readKeyFile(*path);
     if (file.tooLarge || (file.bytes && !JWTService::isUsableP256Key(*file.bytes))) {
         // The form keeps whatever key it had: a wrong pick must not throw away a good one.
-        setErrorMessage(unusableKeyMessage());
-        return;
+        setFileError(unusableKeyMessage());
+    } else if (!file.bytes) {
+        setFileError(u"Datei konnte nicht gelesen werden: "_s + file.failure);
     }
-    if (!file.bytes) {
-        setErrorMessage(u"Datei konnte nicht gelesen werden: "_s + file.failure);
+    if (!file.bytes || !m_fileError.isEmpty()) {
+        if (typedChanged) {
+            Q_EMIT privateKeyChanged();
+        }
         return;
     }
     m_privateKeyPEM = *file.bytes;
     m_privateKeyFilename = QFileInfo(*path).fileName();
-    ++m_testRun;
-    setTestState(false, false);
+    invalidateTest();
     Q_EMIT privateKeyChanged();
     if (m_keyID.trimmed().isEmpty()) {
         if (auto fromFile = KeyImportValidator::keyIDFromFileName(*m_privateKeyFilename)) {
@@ -218,13 +281,13 @@ void AddAccountViewModel::testConnection() {
 }
 
 QCoro::Task<> AddAccountViewModel::testConnectionAsync() {
-    if (!isValid() || m_isTesting) {
+    if (!canTest()) {
         co_return;
     }
-    QPointer<AddAccountViewModel> self(this);
-    const quint64 run = ++m_testRun;
-    setErrorMessage({});
-    setTestState(true, false);
+    setFileError({});
+    m_saving->clearError();
+    setTestSucceeded(false);
+    auto run = m_testing->start();
 
     Account account;
     account.id = QUuid::createUuid();
@@ -242,11 +305,16 @@ QCoro::Task<> AddAccountViewModel::testConnectionAsync() {
     } catch (...) {
         failure = u"Unerwarteter Fehler."_s;
     }
-    if (!self || self->m_testRun != run) {
+    // The form is gone, or the key, issuer or key id changed while the answer was on its way.
+    if (!run) {
         co_return;
     }
-    setErrorMessage(failure);
-    setTestState(false, failure.isEmpty());
+    if (!failure.isEmpty()) {
+        run.fail(failure);
+        co_return;
+    }
+    setTestSucceeded(true);
+    run.succeed();
 }
 
 void AddAccountViewModel::save() {
@@ -254,16 +322,16 @@ void AddAccountViewModel::save() {
 }
 
 QCoro::Task<> AddAccountViewModel::saveAsync() {
-    if (m_isSaving || !isValid()) {
+    if (isSaving() || !isValid()) {
         co_return;
     }
     if (const QString vendorMessage = vendorNumberMessage(); !vendorMessage.isEmpty()) {
-        setErrorMessage(vendorMessage);
+        m_saving->setError(vendorMessage);
         co_return;
     }
-    QPointer<AddAccountViewModel> self(this);
-    setErrorMessage({});
-    setSaving(true);
+    setFileError({});
+    m_testing->clearError();
+    auto run = m_saving->start();
 
     AccountStore& store = m_store;
     const QString name = m_name.trimmed();
@@ -279,33 +347,36 @@ QCoro::Task<> AddAccountViewModel::saveAsync() {
     } catch (...) {
         failure = u"Unerwarteter Fehler."_s;
     }
-    if (!self) {
+    if (!run) {
         co_return;
     }
-    setSaving(false);
     if (!failure.isEmpty()) {
-        setErrorMessage(failure);
+        run.fail(failure);
         co_return;
     }
+    run.succeed();
     // The key is in the secret store now; the form does not keep a copy.
     reset();
     Q_EMIT saved();
 }
 
 void AddAccountViewModel::reset() {
-    ++m_testRun;
+    m_testing->abandon();
+    m_testing->clearError();
+    m_saving->clearError();
     m_name.clear();
     m_issuerID.clear();
     m_keyID.clear();
     m_vendorNumber.clear();
     m_privateKeyPEM.clear();
     m_privateKeyFilename.reset();
+    m_keyFilePath.clear();
     Q_EMIT nameChanged();
     Q_EMIT issuerIDChanged();
     Q_EMIT keyIDChanged();
     Q_EMIT vendorNumberChanged();
     Q_EMIT privateKeyChanged();
-    setErrorMessage({});
-    setTestState(false, false);
+    setFileError({});
+    setTestSucceeded(false);
     revalidate();
 }

@@ -5,9 +5,11 @@
 
 #include <QCoro/QCoroTask>
 #include <QObject>
+#include <QUrl>
 #include <QVariantList>
 
 class AccountStore;
+class ModelOperation;
 
 // The form that adds an account: four texts and a key file, checked live while the user types.
 // The private key never leaves this object except into the secret store.
@@ -19,10 +21,19 @@ class AddAccountViewModel : public QObject {
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
     Q_PROPERTY(QString privateKeyFilename READ privateKeyFilename NOTIFY privateKeyChanged)
     Q_PROPERTY(bool hasPrivateKey READ hasPrivateKey NOTIFY privateKeyChanged)
+    // The key file's path as the field shows it: the file read last, or what the user typed.
+    Q_PROPERTY(QString keyFilePath READ keyFilePath NOTIFY privateKeyChanged)
+    Q_PROPERTY(QString keyFilePlaceholder READ keyFilePlaceholder CONSTANT)
+    // Where the file dialog starts: the folder of the key read last, else Downloads, else home.
+    Q_PROPERTY(QUrl keyFileFolder READ keyFileFolder NOTIFY privateKeyChanged)
+    // The file dialog's QML module is installed; without it only the typed path is offered.
+    Q_PROPERTY(bool canChooseFile READ canChooseFile CONSTANT)
+    Q_PROPERTY(QString keyFileHint READ keyFileHint CONSTANT)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isTesting READ isTesting NOTIFY testStateChanged)
     Q_PROPERTY(bool testSucceeded READ testSucceeded NOTIFY testStateChanged)
     Q_PROPERTY(QString testResultText READ testResultText NOTIFY testStateChanged)
+    Q_PROPERTY(bool canTest READ canTest NOTIFY validationChanged)
     Q_PROPERTY(bool isSaving READ isSaving NOTIFY validationChanged)
     Q_PROPERTY(bool isValid READ isValid NOTIFY validationChanged)
     Q_PROPERTY(bool canSave READ canSave NOTIFY validationChanged)
@@ -44,11 +55,18 @@ public:
 
     QString privateKeyFilename() const { return m_privateKeyFilename.value_or(QString()); }
     bool hasPrivateKey() const { return !m_privateKeyPEM.isEmpty(); }
-    QString errorMessage() const { return m_errorMessage; }
-    bool isTesting() const { return m_isTesting; }
+    QString keyFilePath() const { return m_keyFilePath; }
+    QString keyFilePlaceholder() const;
+    QUrl keyFileFolder() const;
+    bool canChooseFile() const;
+    QString keyFileHint() const;
+    QString errorMessage() const;
+    bool isTesting() const;
     bool testSucceeded() const { return m_testSucceeded; }
     QString testResultText() const;
-    bool isSaving() const { return m_isSaving; }
+    bool isSaving() const;
+    // The form is complete and no test is running.
+    bool canTest() const;
 
     // The four required texts are there and nothing blocks; a warning does not stop the user.
     bool isValid() const;
@@ -60,7 +78,8 @@ public:
     // "Vendor-Nummern bestehen nur aus Ziffern." for a non-blank text with anything but digits.
     static QString vendorNumberMessageFor(const QString& text);
 
-    // A local path or a file:// URL as a file dialog gives it.
+    // A local path or a file:// URL as a file dialog gives it. The same file once more, as the
+    // field hands it over when it loses focus, is not read again.
     Q_INVOKABLE void loadPrivateKey(const QString& pathOrFileUrl);
     Q_INVOKABLE void testConnection();
     Q_INVOKABLE void save();
@@ -83,11 +102,11 @@ Q_SIGNALS:
 
 private:
     void revalidate();
-    // A change of what the connection test used makes an earlier result meaningless.
+    // A change of what the connection test used makes an earlier result meaningless, and an
+    // answer still on its way is dropped.
     void invalidateTest();
-    void setErrorMessage(const QString& message);
-    void setTestState(bool testing, bool succeeded);
-    void setSaving(bool saving);
+    void setFileError(const QString& message);
+    void setTestSucceeded(bool succeeded);
 
     AccountStore& m_store;
     Platform m_platform;
@@ -97,11 +116,11 @@ private:
     QString m_vendorNumber;
     QByteArray m_privateKeyPEM;
     std::optional<QString> m_privateKeyFilename;
-    QString m_errorMessage;
-    bool m_isTesting = false;
+    QString m_keyFilePath;
+    // Why the chosen or typed file was not taken.
+    QString m_fileError;
     bool m_testSucceeded = false;
-    bool m_isSaving = false;
     QList<KeyImportValidator::Finding> m_findings;
-    // Each test run and each invalidation counts up; a late answer of an older run is dropped.
-    quint64 m_testRun = 0;
+    ModelOperation* m_testing;
+    ModelOperation* m_saving;
 };

@@ -8,62 +8,54 @@
 
 using namespace Qt::StringLiterals;
 
-int ChangeLogListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_entries.size());
-}
+ChangeLogListModel::ChangeLogListModel(QObject* parent)
+    : RowListModel({"entryId", "dateText", "method", "path", "statusText", "requestIDText", "accountName",
+                    "errorMessage", "isSuccess", "symbol", "summary", "mark", "markColor", "accessibleName",
+                    "requestLine"},
+                   parent) {}
 
-QVariant ChangeLogListModel::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
-        return {};
+void ChangeLogListModel::setEntries(const QList<AuditLog::Entry>& entries) {
+    QList<Row> rows;
+    rows.reserve(entries.size());
+    for (const AuditLog::Entry& entry : entries) {
+        const QString dateText = entry.date.toLocalTime().toString(u"dd.MM.yyyy, HH:mm"_s);
+        const QString statusText = entry.statusCode ? QString::number(*entry.statusCode) : u"–"_s;
+        const QString requestIDText =
+            entry.appleRequestID ? u"Request-ID "_s + *entry.appleRequestID : QString();
+        const QString accountName = entry.accountName.value_or(QString());
+        const QString errorMessage = entry.errorMessage.value_or(QString());
+        QStringList summary;
+        for (const QString& part : {dateText, statusText, requestIDText, accountName, errorMessage}) {
+            if (!part.isEmpty()) {
+                summary.append(part);
+            }
+        }
+        const bool success = entry.isSuccess();
+        rows.append(Row{
+            entry.id.toString(QUuid::WithoutBraces),
+            dateText,
+            entry.method,
+            entry.path,
+            statusText,
+            requestIDText,
+            accountName,
+            errorMessage,
+            success,
+            success ? u"checkmark.circle"_s : u"exclamationmark.circle"_s,
+            summary.join(u" · "_s),
+            success ? u"✓"_s : u"!"_s,
+            success ? u"#1d6b2a"_s : u"#8a1c1c"_s,
+            entry.method + u' ' + entry.path + u", "_s + statusText,
+            entry.method + u' ' + entry.path,
+        });
     }
-    const AuditLog::Entry& entry = m_entries.at(index.row());
-    switch (role) {
-    case DateTextRole:
-        return entry.date.toLocalTime().toString(u"dd.MM.yyyy, HH:mm"_s);
-    case MethodRole:
-        return entry.method;
-    case PathRole:
-        return entry.path;
-    case StatusTextRole:
-        return entry.statusCode ? QString::number(*entry.statusCode) : u"–"_s;
-    case RequestIDTextRole:
-        return entry.appleRequestID ? u"Request-ID "_s + *entry.appleRequestID : QString();
-    case AccountNameRole:
-        return entry.accountName.value_or(QString());
-    case ErrorMessageRole:
-        return entry.errorMessage.value_or(QString());
-    case IsSuccessRole:
-        return entry.isSuccess();
-    case SymbolRole:
-        return entry.isSuccess() ? u"checkmark.circle"_s : u"exclamationmark.circle"_s;
-    default:
-        return {};
-    }
-}
-
-QHash<int, QByteArray> ChangeLogListModel::roleNames() const {
-    return {
-        {DateTextRole, "dateText"},
-        {MethodRole, "method"},
-        {PathRole, "path"},
-        {StatusTextRole, "statusText"},
-        {RequestIDTextRole, "requestIDText"},
-        {AccountNameRole, "accountName"},
-        {ErrorMessageRole, "errorMessage"},
-        {IsSuccessRole, "isSuccess"},
-        {SymbolRole, "symbol"},
-    };
-}
-
-void ChangeLogListModel::setEntries(QList<AuditLog::Entry> entries) {
-    // New entries arrive at the front and old ones fall off the end; a fresh load is simplest.
-    beginResetModel();
-    m_entries = std::move(entries);
-    endResetModel();
+    setRows(rows);
 }
 
 ChangeLogViewModel::ChangeLogViewModel(std::shared_ptr<AuditLog> log, QObject* parent)
-    : QObject(parent), m_log(std::move(log)), m_list(new ChangeLogListModel(this)) {}
+    : QObject(parent), m_log(std::move(log)), m_list(new ChangeLogListModel(this)) {
+    connect(m_list, &RowListModel::countChanged, this, &ChangeLogViewModel::entriesChanged);
+}
 
 QString ChangeLogViewModel::emptyText() const {
     return u"Noch keine schreibenden Aufrufe. Hier landet jeder POST, PATCH und DELETE mit Apples Request-ID "
@@ -85,7 +77,6 @@ void ChangeLogViewModel::setMessage(const QString& message) {
 
 void ChangeLogViewModel::refresh() {
     m_list->setEntries(m_log ? m_log->entries() : QList<AuditLog::Entry>{});
-    Q_EMIT entriesChanged();
 }
 
 bool ChangeLogViewModel::exportTo(const QString& pathOrFileUrl) {

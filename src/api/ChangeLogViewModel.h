@@ -1,38 +1,40 @@
 #pragma once
 
 #include "api/AuditLog.h"
+#include "api/RowListModel.h"
 
 #include <QAbstractListModel>
 #include <QObject>
 
 #include <memory>
 
-// The change log's entries as rows of the page, newest first.
-class ChangeLogListModel : public QAbstractListModel {
+// The change log's entries as rows of the page, newest first, keyed by the entry's id: a
+// refresh inserts the new entries at the top and leaves the rows already shown alone, so the
+// list keeps its scroll position and the row under the cursor.
+class ChangeLogListModel : public RowListModel {
     Q_OBJECT
 public:
-    enum Role {
-        DateTextRole = Qt::UserRole + 1,
-        MethodRole,
-        PathRole,
-        StatusTextRole,
-        RequestIDTextRole,
-        AccountNameRole,
-        ErrorMessageRole,
-        IsSuccessRole,
-        SymbolRole,
+    enum Column {
+        EntryIDColumn,
+        DateTextColumn,
+        MethodColumn,
+        PathColumn,
+        StatusTextColumn,
+        RequestIDTextColumn,
+        AccountNameColumn,
+        ErrorMessageColumn,
+        IsSuccessColumn,
+        SymbolColumn,
+        SummaryColumn,
+        MarkColumn,
+        MarkColorColumn,
+        AccessibleNameColumn,
+        RequestLineColumn
     };
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit ChangeLogListModel(QObject* parent = nullptr);
 
-    int rowCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QHash<int, QByteArray> roleNames() const override;
-
-    void setEntries(QList<AuditLog::Entry> entries);
-
-private:
-    QList<AuditLog::Entry> m_entries;
+    void setEntries(const QList<AuditLog::Entry>& entries);
 };
 
 // The page "Änderungsprotokoll": every write that left the application, an export as text and

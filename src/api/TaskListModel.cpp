@@ -107,35 +107,33 @@ void TaskListModel::sync() {
         }
     }
 
-    // The center keeps the order of start, so what is left is in the same order as there, with
-    // the new tasks in between (in practice at the end). Anything else is not a diff to follow.
-    QList<QUuid> keptOrder;
-    for (const auto& task : fresh) {
-        if (std::any_of(m_tasks.cbegin(), m_tasks.cend(),
-                        [&](const BackgroundTask& t) { return t.id == task.id; })) {
-            keptOrder.append(task.id);
+    // The center keeps the order of start, so in practice new tasks come at the end; a task
+    // that changed place is moved rather than the bar rebuilt, so that no row under the mouse
+    // is recreated.
+    for (int row = 0; row < fresh.size(); ++row) {
+        const BackgroundTask& task = fresh.at(row);
+        int found = -1;
+        for (int i = row; i < m_tasks.size(); ++i) {
+            if (m_tasks.at(i).id == task.id) {
+                found = i;
+                break;
+            }
         }
-    }
-    const bool sameOrder = std::equal(keptOrder.cbegin(), keptOrder.cend(), m_tasks.cbegin(), m_tasks.cend(),
-                                      [](const QUuid& id, const BackgroundTask& t) { return id == t.id; });
-    if (!sameOrder) {
-        beginResetModel();
-        m_tasks = fresh;
-        endResetModel();
-    } else {
-        for (int row = 0; row < fresh.size(); ++row) {
-            const BackgroundTask& task = fresh.at(row);
-            if (row >= m_tasks.size() || m_tasks.at(row).id != task.id) {
-                beginInsertRows({}, row, row);
-                m_tasks.insert(row, task);
-                endInsertRows();
-                continue;
-            }
-            const QList<int> roles = changedRoles(m_tasks.at(row), task);
-            m_tasks[row] = task;
-            if (!roles.isEmpty()) {
-                Q_EMIT dataChanged(index(row), index(row), roles);
-            }
+        if (found < 0) {
+            beginInsertRows({}, row, row);
+            m_tasks.insert(row, task);
+            endInsertRows();
+            continue;
+        }
+        if (found != row) {
+            beginMoveRows({}, found, found, {}, row);
+            m_tasks.move(found, row);
+            endMoveRows();
+        }
+        const QList<int> roles = changedRoles(m_tasks.at(row), task);
+        m_tasks[row] = task;
+        if (!roles.isEmpty()) {
+            Q_EMIT dataChanged(index(row), index(row), roles);
         }
     }
     if (count() != countBefore) {

@@ -11,11 +11,13 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "platform/Clock.h"
 #include "platform/KeychainError.h"
+#include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
 #include "support/TestPlatform.h"
+#include "support/TestServer.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
@@ -92,11 +94,15 @@ private Q_SLOTS:
     void findingsFollowEdits();
     void loadPrivateKey_data();
     void loadPrivateKey();
+    void keyFilePath();
     void testConnection_data();
     void testConnection();
+    void lateConnectionTestIsDropped_data();
+    void lateConnectionTestIsDropped();
     void save_data();
     void save();
     void capabilityCard();
+    void lateProbeAnswerStaysWithItsAccount();
     void editingCurrentAccount();
     void vendorNumber_data();
     void vendorNumber();
@@ -225,8 +231,43 @@ void TestViewModels::loadPrivateKey() {
     QCOMPARE(vm.privateKeyFilename(), expectedFile);
     QCOMPARE(vm.keyID(), expectedKeyID);
     QVERIFY(vm.hasPrivateKey());
+    // The field keeps what was chosen or typed, right or wrong, and the dialog starts next to it.
+    QCOMPARE(vm.keyFilePath(), path);
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(content == "DIR" ? path : f.dir.filePath(u"pick"_s)));
     // Whatever went wrong with the new file, the key the form holds is still a usable one.
     QVERIFY(!findingsText(vm.findings()).contains(u"key.unusable:blocking"_s));
+}
+
+void TestViewModels::keyFilePath() {
+    Fixture f;
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", f.dir.path().toUtf8());
+    AddAccountViewModel vm(f.store(), f.platform());
+    // Without a key yet the dialog starts where Apple's download lands, or at home without one.
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(f.dir.path()));
+    QDir().mkpath(f.dir.filePath(u"Downloads"_s));
+    QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(f.dir.filePath(u"Downloads"_s)));
+    qputenv("HOME", home);
+
+    // A typed path with blanks around it, as pasted from a terminal.
+    const QString path = f.writeFile(u"AuthKey_ABCDE12345.p8"_s, f.pem);
+    QSignalSpy keyChanged(&vm, &AddAccountViewModel::privateKeyChanged);
+    vm.loadPrivateKey(u"  "_s + path + u"\n"_s);
+    QCOMPARE(vm.errorMessage(), QString());
+    QCOMPARE(vm.keyFilePath(), path);
+    QCOMPARE(vm.keyID(), u"ABCDE12345"_s);
+    QCOMPARE(keyChanged.count(), 1);
+
+    // Leaving the field hands the same path over again; the file is not read a second time.
+    f.writeFile(u"AuthKey_ABCDE12345.p8"_s, "no longer a key");
+    vm.loadPrivateKey(path);
+    QCOMPARE(vm.errorMessage(), QString());
+    QCOMPARE(keyChanged.count(), 1);
+
+    // An empty field is no request to read anything.
+    vm.loadPrivateKey(QString());
+    QCOMPARE(vm.errorMessage(), QString());
+    QVERIFY(vm.hasPrivateKey());
 }
 
 void TestViewModels::testConnection_data() {
@@ -264,6 +305,51 @@ void TestViewModels::testConnection() {
     QVERIFY(!f.store().rateLimitGovernor()->updatedAt());
     QVERIFY(f.store().accounts().isEmpty());
     VARNIS_VERIFY_CONTRACT(*f.transport);
+}
+
+void TestViewModels::lateConnectionTestIsDropped_data() {
+    QTest::addColumn<int>("status");
+    QTest::newRow("late success") << 200;
+    QTest::newRow("late refusal") << 401;
+}
+
+void TestViewModels::lateConnectionTestIsDropped() {
+    QFETCH(int, status);
+
+    TestServer server;
+    server.script("GET", u"/v1/apps"_s,
+                  {TestServer::Reply::json(status, status == 200 ? R"({"data":[]})" : R"({"errors":[]})")});
+    TestPlatform seams;
+    Platform platform = seams.platform();
+    platform.transport = std::make_shared<QtHttpTransport>(seams.clock);
+    platform.apiRoot = server.baseUrl();
+    AppState state(platform, AppState::Options{seams.settings});
+    AddAccountViewModel vm(state.accountStore(), platform);
+    vm.setName(u"Neu"_s);
+    vm.setIssuerID(issuer);
+    QFile key(seams.dir.filePath(u"AuthKey_ABCDE12345.p8"_s));
+    QVERIFY(key.open(QIODevice::WriteOnly));
+    key.write(makeTestKey().privateKeyPEM);
+    key.close();
+    vm.loadPrivateKey(key.fileName());
+    QVERIFY(vm.canTest());
+
+    server.holdReplies(true);
+    auto pending = vm.testConnectionAsync();
+    QVERIFY(vm.isTesting());
+    QVERIFY(!vm.canSave());
+    QTRY_COMPARE(server.heldCount(), 1);
+
+    // Another key id: the answer on its way says nothing about it.
+    vm.setKeyID(u"FGHIJ67890"_s);
+    QVERIFY(!vm.isTesting());
+    QVERIFY(vm.canTest());
+    server.releaseHeld();
+    VarnisTest::awaitTask(std::move(pending));
+    QVERIFY(!vm.testSucceeded());
+    QCOMPARE(vm.testResultText(), QString());
+    QCOMPARE(vm.errorMessage(), QString());
+    QVERIFY(!vm.isTesting());
 }
 
 void TestViewModels::save_data() {
@@ -329,7 +415,9 @@ void TestViewModels::capabilityCard() {
     QCOMPARE(vm.capabilityHeadline(),
              u"Noch nicht geprüft. Der Test ruft je einen kennzeichnenden Endpunkt auf "
              u"und merkt sich, was durchkam."_s);
-    QCOMPARE(vm.capabilityRows(), QVariantList());
+    QAbstractItemModelTester capabilityTester(vm.capabilities(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(vm.capabilities()->rowCount(), 0);
 
     f.transport->script("GET", u"/v1/apps"_s,
                         {FakeTransport::Answer::json(200, R"({"data":[{"type":"apps","id":"app-7"}]})"_ba)});
@@ -345,13 +433,65 @@ void TestViewModels::capabilityCard() {
                                       u"Rolle eines Schlüssels nicht heraus "
                                       u"– das hier ist eine Messung, keine Auskunft."_s);
     QStringList rows;
-    for (const QVariant& row : vm.capabilityRows()) {
-        const QVariantMap map = row.toMap();
-        rows.append(map.value(u"title"_s).toString() + u'=' + map.value(u"available"_s).toString());
+    for (int row = 0; row < vm.capabilities()->rowCount(); ++row) {
+        rows.append(role(*vm.capabilities(), row, "accessibleName").toString());
     }
-    QCOMPARE(rows, (QStringList{u"Apps lesen=true"_s, u"Team und Zugriffe=false"_s,
-                                u"Analytics-Reports=true"_s, u"Verkaufsberichte=false"_s}));
+    QCOMPARE(rows, (QStringList{u"Apps lesen: verfügbar"_s, u"Team und Zugriffe: nicht verfügbar"_s,
+                                u"Analytics-Reports: verfügbar"_s, u"Verkaufsberichte: nicht verfügbar"_s}));
+    QCOMPARE(vm.statusMessage(), u"Zugriffe von „Team“ gemessen am 16.01.2026, 00:30."_s);
     QVERIFY(f.transport->requestsTo("GET", u"/v1/salesReports"_s).isEmpty());
+}
+
+void TestViewModels::lateProbeAnswerStaysWithItsAccount() {
+    TestServer server;
+    server.script("GET", u"/v1/apps"_s, {TestServer::Reply::json(200, R"({"data":[]})")});
+    server.script("GET", u"/v1/users"_s, {TestServer::Reply::json(200, R"({"data":[]})")});
+    TestPlatform seams;
+    seams.clock->setNow(QDateTime(QDate(2026, 1, 15), QTime(9, 0), Qt::UTC));
+    Platform platform = seams.platform();
+    platform.transport = std::make_shared<QtHttpTransport>(seams.clock);
+    platform.apiRoot = server.baseUrl();
+    AppState state(platform, AppState::Options{seams.settings});
+    const QByteArray pem = makeTestKey().privateKeyPEM;
+    const Account first =
+        VarnisTest::awaitTask(state.accountStore().addAccount(u"Erster"_s, issuer, u"ABCDE12345"_s, pem, {}));
+    const Account second = VarnisTest::awaitTask(
+        state.accountStore().addAccount(u"Zweiter"_s, issuer, u"FGHIJ67890"_s, pem, {}));
+    AccountSettingsViewModel vm(state);
+    QAbstractItemModelTester tester(vm.accounts(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QAbstractItemModelTester capabilityTester(vm.capabilities(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(vm.currentName(), u"Zweiter"_s);
+
+    // Whatever the window loaded on its own has been answered; from now on the server waits.
+    server.holdReplies(true);
+    server.clearRequests();
+    vm.probe();
+    QVERIFY(vm.isProbing());
+    QTRY_COMPARE(server.heldCount(), 1);
+    QCOMPARE(server.requests().first().path, u"/v1/apps"_s);
+
+    vm.setCurrentIndex(0);
+    QCOMPARE(vm.currentName(), u"Erster"_s);
+    QVERIFY(!vm.isProbing());
+
+    server.holdReplies(false);
+    server.releaseHeld();
+    QTRY_VERIFY(state.accountStore().account(second.id)->capabilities.has_value());
+    // The measurement belongs to the key that was measured, and the page of the other account
+    // shows nothing of it.
+    QVERIFY(state.accountStore().account(second.id)->capabilities->canReadApps);
+    QVERIFY(!state.accountStore().account(first.id)->capabilities.has_value());
+    QCOMPARE(vm.currentName(), u"Erster"_s);
+    QVERIFY(!vm.isProbing());
+    QCOMPARE(vm.statusMessage(), QString());
+    QCOMPARE(vm.errorMessage(), QString());
+    QCOMPARE(vm.capabilities()->rowCount(), 0);
+
+    // Back on the measured account, its card shows what was measured.
+    vm.setCurrentIndex(1);
+    QCOMPARE(vm.capabilities()->rowCount(), 4);
+    QCOMPARE(role(*vm.capabilities(), 0, "mark").toString(), u"✓"_s);
 }
 
 void TestViewModels::editingCurrentAccount() {
@@ -443,7 +583,9 @@ void TestViewModels::removal() {
     QCOMPARE(vm.currentName(), removed.name);
     QCOMPARE(vm.removalQuestion(), u"Account entfernen?"_s);
 
+    QSignalSpy reset(vm.accounts(), &QAbstractItemModel::modelReset);
     VarnisTest::awaitTask(vm.removeCurrentAsync());
+    QCOMPARE(reset.count(), 0);
     QCOMPARE(vm.errorMessage(), QString());
     QVERIFY(!f.secrets->contents().contains(removed.idText()));
     QCOMPARE(last.count(), offersOnboarding ? 1 : 0);
@@ -536,6 +678,22 @@ void TestViewModels::changeLog() {
                        u"22.11.2026, 14:05|POST|201|Request-ID REQ-1|Team||checkmark.circle"_s,
                    }));
 
+    // A refresh after another write adds its row at the top and leaves the others alone.
+    QSignalSpy reset(vm.entries(), &QAbstractItemModel::modelReset);
+    QSignalSpy inserted(vm.entries(), &QAbstractItemModel::rowsInserted);
+    QSignalSpy changed(vm.entries(), &QAbstractItemModel::dataChanged);
+    log->record(
+        {QUuid::createUuid(), noon.addSecs(180), u"PATCH"_s, u"/v1/apps/2"_s, 200, u"REQ-4"_s, {}, {}});
+    vm.refresh();
+    vm.refresh();
+    QCOMPARE(vm.entries()->rowCount(), 4);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.first().at(1).toInt(), 0);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(reset.count(), 0);
+    QCOMPARE(role(*vm.entries(), 0, "summary").toString(), u"22.11.2026, 14:08 · 200 · Request-ID REQ-4"_s);
+    QCOMPARE(role(*vm.entries(), 0, "requestLine").toString(), u"PATCH /v1/apps/2"_s);
+
     QCOMPARE(vm.proposedFileName(), u"velmora-aenderungsprotokoll.tsv"_s);
     const QString target = dir.filePath(vm.proposedFileName());
     QVERIFY(vm.exportTo(QUrl::fromLocalFile(target).toString()));
@@ -548,7 +706,9 @@ void TestViewModels::changeLog() {
     QVERIFY(!vm.exportTo(logFile + u"/export.tsv"_s));
     QVERIFY(vm.message().startsWith(u"Das Protokoll konnte nicht gesichert werden."_s));
 
+    QSignalSpy emptied(&vm, &ChangeLogViewModel::entriesChanged);
     vm.clear();
+    QCOMPARE(emptied.count(), 1);
     QVERIFY(vm.isEmpty());
     QCOMPARE(vm.entries()->rowCount(), 0);
     QCOMPARE(AuditLog(logFile).entries(), QList<AuditLog::Entry>());
