@@ -126,17 +126,18 @@ QQuickItem* visibleChild(QQuickItem* item, const QString& objectName) {
 }
 } // namespace
 
+QQuickItem* UiFixture::shownItem(QQuickWindow* window, const QString& objectName) {
+    // From the root item: popups and sheets live on the overlay, beside the content item.
+    QQuickItem* root = window->contentItem();
+    while (root->parentItem()) {
+        root = root->parentItem();
+    }
+    return visibleChild(root, objectName);
+}
+
 QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName) {
     QQuickItem* found = nullptr;
-    // Popups and sheets live on the overlay, which is a child of the content item as well.
-    (void)QTest::qWaitFor([&] {
-        QQuickItem* root = window->contentItem();
-        while (root->parentItem()) {
-            root = root->parentItem();
-        }
-        found = visibleChild(root, objectName);
-        return found != nullptr;
-    });
+    (void)QTest::qWaitFor([&] { return (found = shownItem(window, objectName)) != nullptr; });
     return found;
 }
 
@@ -182,6 +183,9 @@ void UiFixture::typeText(QWindow* window, const QString& text) {
 }
 
 void UiFixture::click(QQuickItem* item, Qt::KeyboardModifiers modifiers) {
+    // A person clicks on what is drawn: the layouts settle first (a button whose text just
+    // changed may be narrower now), then the click aims at the item where it is.
+    (void)item->window()->grabWindow();
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(item->window(), Qt::LeftButton, modifiers, centre.toPoint());
 }

@@ -39,6 +39,8 @@ protected:
     // The visible item of that name in the window, or null; waits for it up to a few seconds
     // of event processing.
     static QQuickItem* findItem(QQuickWindow* window, const QString& objectName);
+    // The same without waiting: what is on screen right now.
+    static QQuickItem* shownItem(QQuickWindow* window, const QString& objectName);
     // The visible text item (label, button title) that shows exactly this text, or null; waits
     // for it like findItem.
     static QQuickItem* findText(QQuickWindow* window, const QString& text);

@@ -47,44 +47,6 @@ class SettingsTest : public UiFixture {
         return settings;
     }
 
-    // The fixture's finder follows the object tree, where the items of a Window's own content
-    // and of popups are not below the content item; this one follows what is on screen.
-    static QQuickItem* visibleIn(QQuickItem* item, const QString& objectName) {
-        if (!item->isVisible()) {
-            return nullptr;
-        }
-        if (item->objectName() == objectName && item->width() > 0 && item->height() > 0) {
-            return item;
-        }
-        const auto children = item->childItems();
-        for (QQuickItem* child : children) {
-            if (QQuickItem* found = visibleIn(child, objectName)) {
-                return found;
-            }
-        }
-        return nullptr;
-    }
-
-    static QQuickItem* findItem(QQuickWindow* window, const QString& objectName) {
-        QQuickItem* found = nullptr;
-        (void)QTest::qWaitFor(
-            [&] { return (found = visibleIn(window->contentItem(), objectName)) != nullptr; });
-        return found;
-    }
-
-    static bool clickNamed(QQuickWindow* window, const QString& objectName) {
-        // A person clicks on what is drawn: let the layouts settle after the last change (a
-        // button whose text changed is narrower now) before aiming at the item.
-        (void)window->grabWindow();
-        QQuickItem* item = findItem(window, objectName);
-        if (!item) {
-            qWarning("no visible item named %s", qPrintable(objectName));
-            return false;
-        }
-        click(item);
-        return true;
-    }
-
     static QString textOf(QQuickWindow* window, const QString& objectName) {
         QQuickItem* item = findItem(window, objectName);
         return item ? item->property("text").toString() : u"<missing>"_s;
@@ -97,10 +59,7 @@ class SettingsTest : public UiFixture {
         click(field);
         QTRY_VERIFY(field->hasActiveFocus());
         QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
-        // QtTest types into windows one ASCII key at a time; paths here are ASCII.
-        for (const QChar c : text) {
-            QTest::keyClick(window, c.toLatin1());
-        }
+        typeText(window, text);
     }
 
 private Q_SLOTS:
@@ -133,7 +92,7 @@ private Q_SLOTS:
         QQuickItem* file = nullptr;
         QTRY_VERIFY((file = findItem(settings, u"fileDialogDelegate0"_s)) &&
                     file->property("fileName").toString() == u"AuthKey_ABCDE12345.p8"_s);
-        QVERIFY(!visibleIn(settings->contentItem(), u"fileDialogDelegate1"_s));
+        QVERIFY(!shownItem(settings, u"fileDialogDelegate1"_s));
         shoot(settings, u"settings-key-dialog"_s);
         const QPointF centre = file->mapToScene(QPointF(file->width() / 2, file->height() / 2));
         QTest::mouseDClick(settings, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
@@ -144,7 +103,7 @@ private Q_SLOTS:
         QCOMPARE(form->keyID(), u"ABCDE12345"_s);
         QTRY_COMPARE(textOf(settings, u"keyFileField"_s), keyPath);
         QCOMPARE(textOf(settings, u"keyIDField"_s), u"ABCDE12345"_s);
-        QTRY_VERIFY(!visibleIn(settings->contentItem(), u"fileDialogListView"_s));
+        QTRY_VERIFY(!shownItem(settings, u"fileDialogListView"_s));
     }
 
     void typedKeyPath_data() {
