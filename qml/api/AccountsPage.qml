@@ -1,6 +1,8 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
+import Varnis.Theme
 
 // The accounts: the one being edited with its switches and measurements, or the form for a new
 // key. Scrolls as a whole; the scroll bar keeps a lane of its own beside the fields.
@@ -20,42 +22,42 @@ ScrollView {
 
         RowLayout {
             Layout.fillWidth: true
-            visible: accountSettings.showsAddButton
+            visible: Shell.accountSettings.showsAddButton
             ComboBox {
                 id: accountChoice
                 objectName: "settingsAccountChoice"
                 Layout.fillWidth: true
-                model: accountSettings.accounts
+                model: Shell.accountSettings.accounts
                 textRole: "name"
-                currentIndex: accountSettings.currentIndex
+                currentIndex: Shell.accountSettings.currentIndex
                 Accessible.name: "Account zum Bearbeiten"
-                onActivated: index => accountSettings.currentIndex = index
+                onActivated: index => Shell.accountSettings.currentIndex = index
             }
             Button {
                 objectName: "addAccountButton"
-                text: accountSettings.addButtonText
+                text: Shell.accountSettings.addButtonText
                 onClicked: {
-                    addAccount.reset()
-                    accountSettings.toggleAdding()
+                    Shell.addAccount.reset()
+                    Shell.accountSettings.toggleAdding()
                 }
             }
         }
 
         AddAccountForm {
             Layout.fillWidth: true
-            visible: accountSettings.showsAddForm
+            visible: Shell.accountSettings.showsAddForm
         }
 
         ColumnLayout {
             Layout.fillWidth: true
-            visible: accountSettings.showsAccountDetails
+            visible: Shell.accountSettings.showsAccountDetails
             spacing: 8
 
             Switch {
                 objectName: "readOnlySwitch"
                 text: "Nur lesen – schreibende Aufrufe sperren"
-                checked: accountSettings.isReadOnly
-                onToggled: accountSettings.isReadOnly = checked
+                checked: Shell.accountSettings.isReadOnly
+                onToggled: Shell.accountSettings.isReadOnly = checked
             }
 
             RowLayout {
@@ -67,23 +69,23 @@ ScrollView {
                     id: vendorField
                     objectName: "vendorNumberField"
                     Layout.fillWidth: true
-                    text: accountSettings.vendorNumber
+                    text: Shell.accountSettings.vendorNumber
                     placeholderText: "für Verkaufsberichte"
                     inputMethodHints: Qt.ImhDigitsOnly
                     Accessible.name: "Vendor-Nummer"
-                    onTextEdited: accountSettings.vendorNumber = text
+                    onTextEdited: Shell.accountSettings.vendorNumber = text
                 }
                 Button {
                     objectName: "saveVendorNumberButton"
                     text: "Sichern"
-                    onClicked: accountSettings.saveVendorNumber()
+                    onClicked: Shell.accountSettings.saveVendorNumber()
                 }
             }
             Label {
                 Layout.fillWidth: true
                 visible: text !== ""
-                text: accountSettings.vendorNumberMessage
-                color: "#8a1c1c"
+                text: Shell.accountSettings.vendorNumberMessage
+                color: Theme.negative
                 wrapMode: Text.Wrap
             }
 
@@ -99,45 +101,45 @@ ScrollView {
                 objectName: "accountStatusLabel"
                 Layout.fillWidth: true
                 visible: text !== ""
-                text: accountSettings.statusMessage
+                text: Shell.accountSettings.statusMessage
                 wrapMode: Text.Wrap
             }
             Label {
                 objectName: "accountErrorLabel"
                 Layout.fillWidth: true
                 visible: text !== ""
-                text: accountSettings.errorMessage
-                color: "#8a1c1c"
+                text: Shell.accountSettings.errorMessage
+                color: Theme.negative
                 wrapMode: Text.Wrap
             }
 
             Button {
                 objectName: "removeAccountButton"
                 text: "Account entfernen …"
-                enabled: accountSettings.canRemove
+                enabled: Shell.accountSettings.canRemove
                 onClicked: removeDialog.open()
             }
         }
     }
 
     Connections {
-        target: addAccount
+        target: Shell.addAccount
         function onSaved() {
-            accountSettings.finishAdding()
+            Shell.accountSettings.finishAdding()
         }
     }
 
     Dialog {
         id: removeDialog
         objectName: "removeAccountDialog"
-        title: accountSettings.removalQuestion
+        title: Shell.accountSettings.removalQuestion
         modal: true
         parent: Overlay.overlay
         anchors.centerIn: parent
         width: 420
         Label {
             width: parent.width
-            text: accountSettings.removalExplanation
+            text: Shell.accountSettings.removalExplanation
             wrapMode: Text.Wrap
         }
         footer: DialogButtonBox {
@@ -150,7 +152,7 @@ ScrollView {
                 text: "Entfernen"
                 DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole
                 onClicked: {
-                    accountSettings.removeCurrent()
+                    Shell.accountSettings.removeCurrent()
                     removeDialog.close()
                 }
             }

@@ -2,6 +2,8 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
 import QtQuick.Layouts
+import Varnis.App
+import Varnis.Theme
 
 // A new API key: the findings show up while the user types.
 GroupBox {
@@ -20,44 +22,44 @@ GroupBox {
             }
             TextField {
                 Layout.fillWidth: true
-                text: addAccount.name
+                text: Shell.addAccount.name
                 placeholderText: "z. B. Studio"
                 objectName: "nameField"
                 Accessible.name: "Name"
-                onTextEdited: addAccount.name = text
+                onTextEdited: Shell.addAccount.name = text
             }
             Label {
                 text: "Issuer-ID"
             }
             TextField {
                 Layout.fillWidth: true
-                text: addAccount.issuerID
+                text: Shell.addAccount.issuerID
                 placeholderText: "57246542-96fe-1a63-e053-0824d011072a"
                 objectName: "issuerIDField"
                 Accessible.name: "Issuer-ID"
-                onTextEdited: addAccount.issuerID = text
+                onTextEdited: Shell.addAccount.issuerID = text
             }
             Label {
                 text: "Key-ID"
             }
             TextField {
                 Layout.fillWidth: true
-                text: addAccount.keyID
+                text: Shell.addAccount.keyID
                 placeholderText: "ABCDE12345"
                 objectName: "keyIDField"
                 Accessible.name: "Key-ID"
-                onTextEdited: addAccount.keyID = text
+                onTextEdited: Shell.addAccount.keyID = text
             }
             Label {
                 text: "Vendor-Nummer"
             }
             TextField {
                 Layout.fillWidth: true
-                text: addAccount.vendorNumber
+                text: Shell.addAccount.vendorNumber
                 placeholderText: "optional"
                 objectName: "newVendorNumberField"
                 Accessible.name: "Vendor-Nummer"
-                onTextEdited: addAccount.vendorNumber = text
+                onTextEdited: Shell.addAccount.vendorNumber = text
             }
             Label {
                 text: "Schlüssel"
@@ -68,15 +70,15 @@ GroupBox {
                     id: keyFileField
                     objectName: "keyFileField"
                     Layout.fillWidth: true
-                    text: addAccount.keyFilePath
-                    placeholderText: addAccount.keyFilePlaceholder
+                    text: Shell.addAccount.keyFilePath
+                    placeholderText: Shell.addAccount.keyFilePlaceholder
                     Accessible.name: "Pfad zur Schlüsseldatei"
                     // Return and leaving the field both take the typed path.
-                    onEditingFinished: addAccount.loadPrivateKey(text)
+                    onEditingFinished: Shell.addAccount.loadPrivateKey(text)
                 }
                 Button {
                     objectName: "chooseKeyFileButton"
-                    visible: addAccount.canChooseFile
+                    visible: Shell.addAccount.canChooseFile
                     text: "Datei wählen …"
                     onClicked: {
                         if (!form.keyDialog)
@@ -92,7 +94,7 @@ GroupBox {
         Label {
             Layout.fillWidth: true
             visible: text !== ""
-            text: addAccount.keyFileHint
+            text: Shell.addAccount.keyFileHint
             wrapMode: Text.Wrap
             color: palette.placeholderText
         }
@@ -100,13 +102,13 @@ GroupBox {
         Label {
             Layout.fillWidth: true
             visible: text !== ""
-            text: addAccount.vendorNumberMessage
-            color: "#8a1c1c"
+            text: Shell.addAccount.vendorNumberMessage
+            color: Theme.negative
             wrapMode: Text.Wrap
         }
 
         Repeater {
-            model: addAccount.findings
+            model: Shell.addAccount.findings
             delegate: Label {
                 required property var modelData
                 Layout.fillWidth: true
@@ -120,20 +122,20 @@ GroupBox {
             objectName: "addAccountError"
             Layout.fillWidth: true
             visible: text !== ""
-            text: addAccount.errorMessage
-            color: "#8a1c1c"
+            text: Shell.addAccount.errorMessage
+            color: Theme.negative
             wrapMode: Text.Wrap
         }
         Label {
             objectName: "testResultLabel"
             visible: text !== ""
-            text: addAccount.testResultText
-            color: "#1d6b2a"
+            text: Shell.addAccount.testResultText
+            color: Theme.positive
         }
 
         RowLayout {
             BusyIndicator {
-                running: addAccount.isTesting
+                running: Shell.addAccount.isTesting
                 visible: running
                 implicitWidth: 24
                 implicitHeight: 24
@@ -141,15 +143,15 @@ GroupBox {
             Button {
                 objectName: "testConnectionButton"
                 text: "Verbindung testen"
-                enabled: addAccount.canTest
-                onClicked: addAccount.testConnection()
+                enabled: Shell.addAccount.canTest
+                onClicked: Shell.addAccount.testConnection()
             }
             Button {
                 objectName: "saveAccountButton"
                 text: "Sichern"
                 highlighted: true
-                enabled: addAccount.canSave
-                onClicked: addAccount.save()
+                enabled: Shell.addAccount.canSave
+                onClicked: Shell.addAccount.save()
             }
         }
     }
@@ -163,9 +165,9 @@ GroupBox {
         FileDialog {
             objectName: "keyFileDialog"
             title: "API-Schlüssel wählen"
-            currentFolder: addAccount.keyFileFolder
+            currentFolder: Shell.addAccount.keyFileFolder
             nameFilters: ["API-Schlüssel (*.p8)", "Alle Dateien (*)"]
-            onAccepted: addAccount.loadPrivateKey(selectedFile.toString())
+            onAccepted: Shell.addAccount.loadPrivateKey(selectedFile.toString())
         }
     }
 }

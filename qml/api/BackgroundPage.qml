@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 ScrollView {
     id: page
@@ -17,14 +18,14 @@ ScrollView {
         spacing: 10
         Label {
             Layout.fillWidth: true
-            text: backgroundSettings.explanation
+            text: Shell.backgroundSettings.explanation
             wrapMode: Text.Wrap
         }
         Switch {
             objectName: "backgroundRefreshSwitch"
             text: "Im Hintergrund auf Änderungen prüfen"
-            checked: backgroundSettings.isBackgroundRefreshEnabled
-            onToggled: backgroundSettings.isBackgroundRefreshEnabled = checked
+            checked: Shell.backgroundSettings.isBackgroundRefreshEnabled
+            onToggled: Shell.backgroundSettings.isBackgroundRefreshEnabled = checked
         }
         RowLayout {
             Layout.fillWidth: true
@@ -34,24 +35,24 @@ ScrollView {
             ComboBox {
                 objectName: "intervalChoice"
                 Layout.fillWidth: true
-                model: backgroundSettings.intervalTitles
-                currentIndex: backgroundSettings.intervalIndex
-                enabled: backgroundSettings.isBackgroundRefreshEnabled
+                model: Shell.backgroundSettings.intervalTitles
+                currentIndex: Shell.backgroundSettings.intervalIndex
+                enabled: Shell.backgroundSettings.isBackgroundRefreshEnabled
                 Accessible.name: "Abstand der Prüfungen"
-                onActivated: index => backgroundSettings.intervalIndex = index
+                onActivated: index => Shell.backgroundSettings.intervalIndex = index
             }
         }
         Switch {
             objectName: "notificationsSwitch"
             text: "Mitteilungen zeigen"
-            checked: backgroundSettings.areNotificationsEnabled
-            onToggled: backgroundSettings.areNotificationsEnabled = checked
+            checked: Shell.backgroundSettings.areNotificationsEnabled
+            onToggled: Shell.backgroundSettings.areNotificationsEnabled = checked
         }
         Switch {
             objectName: "menuBarSwitch"
             text: "Symbol in der Menüleiste"
-            checked: backgroundSettings.isMenuBarEnabled
-            onToggled: backgroundSettings.isMenuBarEnabled = checked
+            checked: Shell.backgroundSettings.isMenuBarEnabled
+            onToggled: Shell.backgroundSettings.isMenuBarEnabled = checked
         }
     }
 }

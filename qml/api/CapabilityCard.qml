@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 // What the key may do, as measured by one telling call per area.
 GroupBox {
@@ -11,11 +12,11 @@ GroupBox {
         spacing: 4
         Label {
             Layout.fillWidth: true
-            text: accountSettings.capabilityHeadline
+            text: Shell.accountSettings.capabilityHeadline
             wrapMode: Text.Wrap
         }
         Repeater {
-            model: accountSettings.capabilities
+            model: Shell.accountSettings.capabilities
             delegate: RowLayout {
                 required property string title
                 required property string hint
@@ -42,7 +43,7 @@ GroupBox {
         }
         RowLayout {
             BusyIndicator {
-                running: accountSettings.isProbing
+                running: Shell.accountSettings.isProbing
                 visible: running
                 implicitWidth: 24
                 implicitHeight: 24
@@ -50,8 +51,8 @@ GroupBox {
             Button {
                 objectName: "probeButton"
                 text: "Zugriffe messen"
-                enabled: !accountSettings.isProbing
-                onClicked: accountSettings.probe()
+                enabled: !Shell.accountSettings.isProbing
+                onClicked: Shell.accountSettings.probe()
             }
         }
     }

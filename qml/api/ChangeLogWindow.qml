@@ -3,6 +3,7 @@ import QtQuick.Controls
 import QtQuick.Dialogs
 import QtQuick.Layouts
 import QtQuick.Window
+import Varnis.App
 
 // Every write that left the application, with Apple's request id; never contents.
 Window {
@@ -17,7 +18,7 @@ Window {
     color: palette.window
 
     function open() {
-        changeLog.refresh()
+        Shell.changeLog.refresh()
         show()
         raise()
         requestActivate()
@@ -37,11 +38,11 @@ Window {
         RowLayout {
             Button {
                 text: "Aktualisieren"
-                onClicked: changeLog.refresh()
+                onClicked: Shell.changeLog.refresh()
             }
             Button {
                 text: "Als Text sichern …"
-                enabled: !changeLog.isEmpty
+                enabled: !Shell.changeLog.isEmpty
                 onClicked: {
                     if (!window.saveDialog)
                         window.saveDialog = saveDialogComponent.createObject(window)
@@ -51,12 +52,12 @@ Window {
             }
             Button {
                 text: "Protokoll leeren"
-                enabled: !changeLog.isEmpty
-                onClicked: changeLog.clear()
+                enabled: !Shell.changeLog.isEmpty
+                onClicked: Shell.changeLog.clear()
             }
             Label {
                 Layout.fillWidth: true
-                text: changeLog.message
+                text: Shell.changeLog.message
                 elide: Text.ElideRight
             }
         }
@@ -64,8 +65,8 @@ Window {
         Label {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: changeLog.isEmpty
-            text: changeLog.emptyText
+            visible: Shell.changeLog.isEmpty
+            text: Shell.changeLog.emptyText
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
@@ -77,9 +78,9 @@ Window {
             objectName: "changeLogList"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: !changeLog.isEmpty
+            visible: !Shell.changeLog.isEmpty
             clip: true
-            model: changeLog.entries
+            model: Shell.changeLog.entries
             keyNavigationEnabled: true
             activeFocusOnTab: true
             delegate: ItemDelegate {
@@ -130,9 +131,9 @@ Window {
             title: "Änderungsprotokoll sichern"
             fileMode: FileDialog.SaveFile
             acceptLabel: "Sichern"
-            currentFile: changeLog.proposedFileName
+            currentFile: Shell.changeLog.proposedFileName
             nameFilters: ["Text mit Tabulatoren (*.tsv)"]
-            onAccepted: changeLog.exportTo(selectedFile.toString())
+            onAccepted: Shell.changeLog.exportTo(selectedFile.toString())
         }
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 ScrollView {
     id: page
@@ -18,13 +19,13 @@ ScrollView {
         Switch {
             objectName: "demoSwitch"
             text: "Demo-Modus"
-            checked: workspace.isDemoModeEnabled
-            onToggled: workspace.isDemoModeEnabled = checked
+            checked: Shell.workspace.isDemoModeEnabled
+            onToggled: Shell.workspace.isDemoModeEnabled = checked
         }
         Label {
             objectName: "demoExplanationLabel"
             Layout.fillWidth: true
-            text: accountSettings.demoExplanation
+            text: Shell.accountSettings.demoExplanation
             wrapMode: Text.Wrap
             color: palette.placeholderText
         }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 // Apple's hourly budget as the last response reported it.
 GroupBox {
@@ -11,28 +12,28 @@ GroupBox {
         spacing: 4
         Label {
             Layout.fillWidth: true
-            visible: !rateLimit.hasData
-            text: rateLimit.emptyText
+            visible: !Shell.rateLimit.hasData
+            text: Shell.rateLimit.emptyText
             wrapMode: Text.Wrap
         }
         Label {
-            visible: rateLimit.hasData
-            text: rateLimit.remainingText
+            visible: Shell.rateLimit.hasData
+            text: Shell.rateLimit.remainingText
         }
         ProgressBar {
             Layout.fillWidth: true
-            visible: rateLimit.hasData
-            value: rateLimit.fraction
-            Accessible.name: rateLimit.remainingText
+            visible: Shell.rateLimit.hasData
+            value: Shell.rateLimit.fraction
+            Accessible.name: Shell.rateLimit.remainingText
         }
         Label {
-            visible: rateLimit.hasData
-            text: rateLimit.updatedAtText
+            visible: Shell.rateLimit.hasData
+            text: Shell.rateLimit.updatedAtText
             color: palette.placeholderText
         }
         Label {
             Layout.fillWidth: true
-            text: rateLimit.explanation
+            text: Shell.rateLimit.explanation
             wrapMode: Text.Wrap
             color: palette.placeholderText
         }

@@ -1,18 +1,19 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 // Long-running work with its progress; nothing while there is none.
 Pane {
     id: bar
     objectName: "taskCenterBar"
-    visible: taskList.count > 0
+    visible: Shell.taskList.count > 0
     padding: 6
 
     ColumnLayout {
         anchors.fill: parent
         Repeater {
-            model: taskList
+            model: Shell.taskList
             delegate: RowLayout {
                 required property string taskId
                 required property string title
@@ -40,7 +41,7 @@ Pane {
                 Button {
                     visible: parent.isCancellable
                     text: "Abbrechen"
-                    onClicked: taskList.cancel(parent.taskId)
+                    onClicked: Shell.taskList.cancel(parent.taskId)
                 }
             }
         }

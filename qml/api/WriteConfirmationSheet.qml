@@ -1,12 +1,14 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.Theme
+import Varnis.App
 
 // Shows a write field by field before it happens.
 Dialog {
     id: sheet
     objectName: "writeConfirmationSheet"
-    required property var model
+    required property WriteConfirmationViewModel model
     modal: true
     parent: Overlay.overlay
     anchors.centerIn: Overlay.overlay
@@ -20,16 +22,16 @@ Dialog {
         Label {
             Layout.leftMargin: 16
             Layout.topMargin: 12
-            text: sheet.model.isDestructive ? "⚠" : "⬆"
-            font.pixelSize: 20
-            color: sheet.model.isDestructive ? "#8a1c1c" : "#1f5fa8"
+            text: sheet.model.symbol
+            font.pixelSize: Theme.pageTitleSize
+            color: sheet.model.isDestructive ? Theme.negative : Theme.accent
             Accessible.ignored: true
         }
         Label {
             Layout.fillWidth: true
             Layout.topMargin: 12
             text: sheet.model.title
-            font.pixelSize: 17
+            font.pixelSize: Theme.headingSize
             font.bold: true
             wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading
@@ -47,20 +49,20 @@ Dialog {
         Repeater {
             model: sheet.model.changes
             delegate: WriteChangeRow {
-                required property var modelData
+                required property var model
                 Layout.fillWidth: true
-                field: modelData.field
-                before: modelData.before
-                after: modelData.after
-                hasBefore: modelData.hasBefore
-                spokenLabel: modelData.spokenLabel
+                field: model.field
+                before: model.before
+                after: model.after
+                hasBefore: model.hasBefore
+                spokenLabel: model.spokenLabel
             }
         }
         Label {
             Layout.fillWidth: true
             visible: sheet.model.isDestructive
-            text: "⊘ " + sheet.model.destructiveNotice
-            color: "#8a1c1c"
+            text: sheet.model.destructiveNoticeLine
+            color: Theme.negative
         }
     }
 

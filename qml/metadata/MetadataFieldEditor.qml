@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.Theme
 
 // One field of the store texts with its counter and its findings. The text field binds to the
 // model's text; an edit goes to the model, and the model's answer equals what is already typed,
@@ -31,7 +32,7 @@ ColumnLayout {
         Label {
             visible: text !== ""
             text: editor.countText
-            color: editor.isOverLimit ? "#8a1c1c" : palette.placeholderText
+            color: editor.isOverLimit ? Theme.negative : palette.placeholderText
             Accessible.name: editor.countName
         }
     }
@@ -75,16 +76,16 @@ ColumnLayout {
         Layout.fillWidth: true
         visible: text !== ""
         text: editor.blockingText
-        color: "#8a1c1c"
+        color: Theme.negative
         wrapMode: Text.WordWrap
-        font.pixelSize: 12
+        font.pixelSize: Theme.smallSize
     }
     Label {
         Layout.fillWidth: true
         visible: text !== ""
         text: editor.warningText
-        color: "#7a5a00"
+        color: Theme.caution
         wrapMode: Text.WordWrap
-        font.pixelSize: 12
+        font.pixelSize: Theme.smallSize
     }
 }

@@ -1,12 +1,14 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.Theme
+import Varnis.App
 
 // The store texts of the app: languages with what each lacks, the editor of the selected
 // language with live findings and character counts, save, add and remove language.
 Item {
     id: page
-    required property var model
+    required property MetadataViewModel model
 
     SplitView {
         anchors.fill: parent
@@ -71,8 +73,8 @@ Item {
                             Layout.fillWidth: true
                             visible: text !== ""
                             text: language.lacks
-                            font.pixelSize: 11
-                            color: "#7a5a00"
+                            font.pixelSize: Theme.captionSize
+                            color: Theme.caution
                             elide: Text.ElideRight
                         }
                     }
@@ -125,7 +127,7 @@ Item {
                 Layout.rightMargin: 6
                 visible: text !== ""
                 text: page.model.languageError
-                color: "#8a1c1c"
+                color: Theme.negative
                 wrapMode: Text.WordWrap
             }
         }
@@ -140,7 +142,7 @@ Item {
                 Layout.leftMargin: 6
                 visible: text !== ""
                 text: page.model.loadError
-                color: "#8a1c1c"
+                color: Theme.negative
                 wrapMode: Text.WordWrap
             }
             Label {
@@ -148,7 +150,7 @@ Item {
                 Layout.leftMargin: 6
                 visible: text !== ""
                 text: page.model.restrictedFieldsHint
-                color: "#7a5a00"
+                color: Theme.caution
                 wrapMode: Text.WordWrap
             }
             Label {
@@ -192,7 +194,7 @@ Item {
                             required property string message
                             Layout.fillWidth: true
                             text: message
-                            color: "#7a5a00"
+                            color: Theme.caution
                             wrapMode: Text.WordWrap
                         }
                     }
@@ -217,7 +219,7 @@ Item {
                 Label {
                     Layout.fillWidth: true
                     text: page.model.saveStatus
-                    color: page.model.saveStatusIsError ? "#8a1c1c" : "#1d6b2a"
+                    color: page.model.saveStatusIsError ? Theme.negative : Theme.positive
                     wrapMode: Text.WordWrap
                 }
             }

@@ -1,11 +1,13 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.Theme
+import Varnis.App
 
 // The versions of the app with their state and build.
 ColumnLayout {
     id: page
-    required property var model
+    required property VersionsListViewModel model
     spacing: 6
 
     RowLayout {
@@ -14,7 +16,7 @@ ColumnLayout {
         Label {
             Layout.fillWidth: true
             text: page.model.errorMessage
-            color: "#8a1c1c"
+            color: Theme.negative
             wrapMode: Text.Wrap
         }
         Button {

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.App
 
 ComboBox {
     id: switcher
     objectName: "accountSwitcher"
     visible: count > 0
-    model: accountSettings.accounts
+    model: Shell.accountSettings.accounts
     textRole: "name"
-    currentIndex: accountSettings.selectedRow
+    currentIndex: Shell.accountSettings.selectedRow
     Accessible.name: "Account wählen"
-    onActivated: index => accountSettings.selectForWork(index)
+    onActivated: index => Shell.accountSettings.selectForWork(index)
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 // The apps: the account switcher, favourites, recently used and all apps.
 Pane {
@@ -8,7 +9,7 @@ Pane {
     padding: 0
 
     HoverHandler {
-        onHoveredChanged: workspace.setPointerOverAppLists(hovered)
+        onHoveredChanged: Shell.workspace.setPointerOverAppLists(hovered)
     }
 
     ColumnLayout {
@@ -18,7 +19,7 @@ Pane {
         Loader {
             Layout.fillWidth: true
             Layout.margins: 8
-            active: workspace.hasAccount
+            active: Shell.workspace.hasAccount
             visible: active
             sourceComponent: AccountSwitcher {}
         }
@@ -31,26 +32,26 @@ Pane {
             Layout.rightMargin: 8
             placeholderText: "Apps filtern"
             selectByMouse: true
-            text: workspace.appFilter
+            text: Shell.workspace.appFilter
             Accessible.name: "Apps filtern"
-            onTextEdited: workspace.appFilter = text
-            Keys.onEscapePressed: workspace.appFilter = ""
+            onTextEdited: Shell.workspace.appFilter = text
+            Keys.onEscapePressed: Shell.workspace.appFilter = ""
             Keys.onDownPressed: allList.forceActiveFocus()
         }
 
         CheckBox {
             Layout.leftMargin: 8
             text: "Apps aller Accounts"
-            checked: workspace.showsAppsOfAllAccounts
-            enabled: workspace.hasAccount
-            onToggled: workspace.showsAppsOfAllAccounts = checked
+            checked: Shell.workspace.showsAppsOfAllAccounts
+            enabled: Shell.workspace.hasAccount
+            onToggled: Shell.workspace.showsAppsOfAllAccounts = checked
         }
 
         Label {
             Layout.fillWidth: true
             Layout.margins: 10
             visible: text !== ""
-            text: workspace.noMatchText
+            text: Shell.workspace.noMatchText
             wrapMode: Text.Wrap
             color: palette.placeholderText
         }
@@ -63,7 +64,7 @@ Pane {
             ListView {
                 id: allList
                 objectName: "allAppsList"
-                model: workspace.allApps
+                model: Shell.workspace.allApps
                 reuseItems: true
                 keyNavigationEnabled: true
                 activeFocusOnTab: true
@@ -85,18 +86,18 @@ Pane {
                     AppGroup {
                         width: parent.width
                         title: "Favoriten"
-                        model: workspace.favoriteApps
+                        model: Shell.workspace.favoriteApps
                     }
                     AppGroup {
                         width: parent.width
                         title: "Zuletzt verwendet"
-                        model: workspace.recentApps
+                        model: Shell.workspace.recentApps
                     }
                     Label {
                         leftPadding: 10
                         topPadding: 8
                         bottomPadding: 2
-                        text: workspace.allAppsTitle
+                        text: Shell.workspace.allAppsTitle
                         font.bold: true
                         color: palette.placeholderText
                     }
@@ -106,8 +107,8 @@ Pane {
                     width: allList.width
                 }
 
-                Keys.onReturnPressed: if (currentItem) workspace.selectApp(currentItem.appId)
-                Keys.onSpacePressed: if (currentItem) workspace.selectApp(currentItem.appId)
+                Keys.onReturnPressed: if (currentItem) Shell.workspace.selectApp(currentItem.appId)
+                Keys.onSpacePressed: if (currentItem) Shell.workspace.selectApp(currentItem.appId)
             }
         }
     }

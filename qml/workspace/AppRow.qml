@@ -1,4 +1,6 @@
 import QtQuick
+import Varnis.App
+import Varnis.Theme
 
 // One app in the lists. Plain items rather than controls: there can be a thousand of these,
 // and every row costs start-up time.
@@ -22,7 +24,7 @@ Rectangle {
         id: area
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: workspace.selectApp(row.appId)
+        onClicked: Shell.workspace.selectApp(row.appId)
     }
 
     Column {
@@ -35,14 +37,14 @@ Rectangle {
             text: row.name
             color: row.isSelected ? palette.highlightedText : palette.text
             elide: Text.ElideRight
-            font.pixelSize: 13
+            font.pixelSize: Theme.bodySize
         }
         Text {
             width: parent.width
             text: row.subtitle
             color: row.isSelected ? palette.highlightedText : palette.placeholderText
             elide: Text.ElideRight
-            font.pixelSize: 11
+            font.pixelSize: Theme.captionSize
         }
     }
 
@@ -53,14 +55,14 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         text: row.isFavorite ? "★" : "☆"
         color: row.isSelected ? palette.highlightedText : palette.text
-        font.pixelSize: 15
+        font.pixelSize: Theme.symbolSize
         Accessible.role: Accessible.Button
         Accessible.name: row.isFavorite ? "Aus Favoriten entfernen" : "Zu Favoriten hinzufügen"
         MouseArea {
             objectName: "favoriteStar"
             anchors.fill: parent
             anchors.margins: -6
-            onClicked: workspace.toggleFavorite(row.appId)
+            onClicked: Shell.workspace.toggleFavorite(row.appId)
         }
     }
 }

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
-import "../api"
+import Varnis.Api
+import Varnis.App
 
 // One app in a window of its own, with its own sections and its own write-confirmation sheet.
 ApplicationWindow {
     id: window
     objectName: "appWindow"
-    required property var model
+    required property AppWindowViewModel model
     width: 960
     height: 640
     minimumWidth: 800

@@ -1,10 +1,11 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.Theme
 
 Rectangle {
     property alias text: label.text
     implicitHeight: label.implicitHeight + 12
-    color: "#fff4d6"
+    color: Theme.bannerBackground
     Accessible.role: Accessible.AlertMessage
     Accessible.name: label.text
 
@@ -14,7 +15,7 @@ Rectangle {
         anchors.leftMargin: 12
         anchors.rightMargin: 12
         verticalAlignment: Text.AlignVCenter
-        color: "#6b4e00"
+        color: Theme.bannerText
         elide: Text.ElideRight
     }
 }

@@ -1,6 +1,8 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
+import Varnis.Theme
 
 Pane {
     signal openSettings
@@ -13,14 +15,14 @@ Pane {
         spacing: 12
         Label {
             Layout.fillWidth: true
-            text: workspace.emptyStateTitle
-            font.pixelSize: 20
+            text: Shell.workspace.emptyStateTitle
+            font.pixelSize: Theme.pageTitleSize
             font.bold: true
             horizontalAlignment: Text.AlignHCenter
         }
         Label {
             Layout.fillWidth: true
-            text: workspace.emptyStateText
+            text: Shell.workspace.emptyStateText
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
         }

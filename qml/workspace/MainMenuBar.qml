@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.App
 
 // The menus of the main window with their shortcuts.
 MenuBar {
@@ -35,13 +36,13 @@ MenuBar {
         Action {
             text: "In neuem Fenster öffnen"
             shortcut: "Ctrl+Shift+N"
-            enabled: workspace.hasSelectedApp
-            onTriggered: workspace.openInNewWindow()
+            enabled: Shell.workspace.hasSelectedApp
+            onTriggered: Shell.workspace.openInNewWindow()
         }
         Action {
             text: "Apps neu laden"
-            enabled: !workspace.isLoadingApps
-            onTriggered: workspace.refreshApps()
+            enabled: !Shell.workspace.isLoadingApps
+            onTriggered: Shell.workspace.refreshApps()
         }
     }
     Menu {
@@ -51,17 +52,17 @@ MenuBar {
         Action {
             text: "Befehlspalette"
             shortcut: "Ctrl+K"
-            enabled: workspace.isCommandPaletteAvailable
+            enabled: Shell.workspace.isCommandPaletteAvailable
         }
         Action {
             text: "In dieser App suchen"
             shortcut: "Ctrl+F"
-            enabled: workspace.isSearchAvailable && workspace.hasSelectedApp
+            enabled: Shell.workspace.isSearchAvailable && Shell.workspace.hasSelectedApp
         }
         Action {
             text: "Jetzt auf Änderungen prüfen"
             shortcut: "Ctrl+Shift+R"
-            enabled: workspace.isCheckChangesAvailable
+            enabled: Shell.workspace.isCheckChangesAvailable
         }
     }
     Menu {
@@ -72,17 +73,17 @@ MenuBar {
         Action {
             text: "Alle Apps"
             shortcut: "Ctrl+["
-            onTriggered: workspace.showAllApps()
+            onTriggered: Shell.workspace.showAllApps()
         }
         MenuSeparator {}
         Instantiator {
-            model: workspace.sections.sidebar
+            model: Shell.workspace.sections.sidebar
             delegate: Action {
                 required property var model
                 text: model.controlTitle
                 shortcut: model.shortcut
-                enabled: workspace.hasSelectedApp
-                onTriggered: workspace.goToSection(model.position)
+                enabled: Shell.workspace.hasSelectedApp
+                onTriggered: Shell.workspace.goToSection(model.position)
             }
             onObjectAdded: (index, object) => goToMenu.insertAction(index + 2, object)
             onObjectRemoved: (index, object) => goToMenu.removeAction(object)
@@ -94,7 +95,7 @@ MenuBar {
         width: 300
         Action {
             text: "Erste Schritte …"
-            onTriggered: workspace.isOnboardingPresented = true
+            onTriggered: Shell.workspace.isOnboardingPresented = true
         }
     }
 }

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.Theme
 
 Rectangle {
     property alias text: label.text
     // "negative" or "neutral"
     property string tone: "neutral"
     implicitHeight: label.implicitHeight + 10
-    color: tone === "negative" ? "#fde7e7" : "#eef2f7"
+    color: tone === "negative" ? Theme.negativeBackground : Theme.noticeBackground
     Accessible.role: Accessible.AlertMessage
     Accessible.name: label.text
 
@@ -17,6 +18,6 @@ Rectangle {
         anchors.rightMargin: 12
         verticalAlignment: Text.AlignVCenter
         wrapMode: Text.Wrap
-        color: parent.tone === "negative" ? "#8a1c1c" : "#33475b"
+        color: parent.tone === "negative" ? Theme.negative : Theme.noticeText
     }
 }

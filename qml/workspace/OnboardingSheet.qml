@@ -1,29 +1,30 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.App
 
 Dialog {
     id: sheet
     objectName: "onboardingSheet"
-    title: workspace.onboardingTitle
+    title: Shell.workspace.onboardingTitle
     modal: true
     parent: Overlay.overlay
     anchors.centerIn: Overlay.overlay
     width: Math.min(Overlay.overlay ? Overlay.overlay.width - 80 : 560, 560)
-    visible: workspace.isOnboardingPresented
+    visible: Shell.workspace.isOnboardingPresented
     footer: DialogButtonBox {
         Button {
             text: "Schließen"
             DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
         }
     }
-    onClosed: workspace.isOnboardingPresented = false
+    onClosed: Shell.workspace.isOnboardingPresented = false
 
     ColumnLayout {
         anchors.fill: parent
         spacing: 10
         Repeater {
-            model: workspace.onboardingSteps
+            model: Shell.workspace.onboardingSteps
             delegate: Label {
                 required property string modelData
                 required property int index

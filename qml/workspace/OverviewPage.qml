@@ -1,11 +1,12 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.App
 
 // What is already known of the app.
 Item {
     id: page
     objectName: "overviewPage"
-    required property var model
+    required property OverviewViewModel model
 
     ListView {
         id: list

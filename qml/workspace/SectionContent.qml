@@ -1,12 +1,14 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Varnis.Theme
+import Varnis.App
 
 // The screen of the open section, or a calm placeholder. The page comes from the section
 // registry with its model; it is replaced only when the host says the section or app changed.
 Pane {
     id: content
-    required property var host
+    required property SectionHost host
 
     function showPage() {
         if (content.host.page.toString() !== "")
@@ -37,7 +39,7 @@ Pane {
         Label {
             Layout.fillWidth: true
             text: content.host.title
-            font.pixelSize: 22
+            font.pixelSize: Theme.titleSize
             font.bold: true
             elide: Text.ElideRight
             Accessible.role: Accessible.Heading

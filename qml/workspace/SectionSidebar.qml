@@ -1,10 +1,12 @@
 import QtQuick
 import QtQuick.Controls
+import Varnis.Theme
+import Varnis.App
 
 // The sections of the selected app, under their headings, in the order Ctrl+1…9 count.
 Pane {
     id: sidebar
-    required property var host
+    required property SectionHost host
     signal sectionChosen(string raw)
     padding: 0
 
@@ -75,7 +77,7 @@ Pane {
                     anchors.verticalCenter: parent.verticalCenter
                     visible: entry.badge !== ""
                     text: entry.badge
-                    font.pixelSize: 10
+                    font.pixelSize: Theme.captionSize - 1
                     color: palette.placeholderText
                     Accessible.ignored: true
                 }

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Controls.impl
 import QtQuick.Layouts
+import Varnis.App
 
 // A menu entry that shows its key combination beside its title, in the platform's words.
 MenuItem {
@@ -17,7 +18,7 @@ MenuItem {
             alignment: Qt.AlignLeft | Qt.AlignVCenter
         }
         Label {
-            text: item.action ? shell.shortcutText(item.action.shortcut) : ""
+            text: item.action ? Shell.shortcutText(item.action.shortcut) : ""
             color: item.palette.placeholderText
         }
     }

@@ -1,5 +1,7 @@
 #include "api/WriteConfirmationViewModel.h"
 
+#include "api/RowListModel.h"
+
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QVariantMap>
@@ -27,8 +29,13 @@ QCoro::Task<> runPerform(std::function<QCoro::Task<>()> perform) {
 
 } // namespace
 
+WriteConfirmationViewModel::WriteConfirmationViewModel(QObject* parent)
+    : QObject(parent), m_changes(new RowListModel(
+                           {"changeId", "field", "before", "after", "hasBefore", "spokenLabel"}, this)) {}
+
 void WriteConfirmationViewModel::present(PendingWrite write) {
     m_write = std::move(write);
+    publishChanges();
     Q_EMIT changed();
 }
 
@@ -37,6 +44,7 @@ void WriteConfirmationViewModel::clear() {
         return;
     }
     m_write.reset();
+    publishChanges();
     Q_EMIT changed();
 }
 
@@ -71,21 +79,16 @@ QString WriteConfirmationViewModel::destructiveNoticeIconName() const {
     return isDestructive() ? u"exclamationmark.circle"_s : QString();
 }
 
-QVariantList WriteConfirmationViewModel::changes() const {
-    QVariantList rows;
-    if (!m_write) {
-        return rows;
+void WriteConfirmationViewModel::publishChanges() {
+    QList<RowListModel::Row> rows;
+    if (m_write) {
+        for (const WriteChange& change : m_write->changes) {
+            rows.append({change.id.toString(QUuid::WithoutBraces), change.field,
+                         change.before.value_or(QString()), change.after, change.before.has_value(),
+                         change.spokenLabel()});
+        }
     }
-    for (const WriteChange& change : m_write->changes) {
-        rows.append(QVariantMap{
-            {u"field"_s, change.field},
-            {u"before"_s, change.before.value_or(QString())},
-            {u"after"_s, change.after},
-            {u"hasBefore"_s, change.before.has_value()},
-            {u"spokenLabel"_s, change.spokenLabel()},
-        });
-    }
-    return rows;
+    m_changes->setRows(rows);
 }
 
 void WriteConfirmationViewModel::cancel() {

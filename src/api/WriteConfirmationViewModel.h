@@ -4,7 +4,7 @@
 
 #include <QCoro/QCoroTask>
 #include <QObject>
-#include <QVariantList>
+class RowListModel;
 
 #include <optional>
 
@@ -20,11 +20,17 @@ class WriteConfirmationViewModel : public QObject {
     Q_PROPERTY(bool isDestructive READ isDestructive NOTIFY changed)
     Q_PROPERTY(QString iconName READ iconName NOTIFY changed)
     Q_PROPERTY(QString destructiveNotice READ destructiveNotice NOTIFY changed)
+    Q_PROPERTY(QString destructiveNoticeLine READ destructiveNoticeLine NOTIFY changed)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY changed)
     Q_PROPERTY(QString destructiveNoticeIconName READ destructiveNoticeIconName NOTIFY changed)
-    Q_PROPERTY(QVariantList changes READ changes NOTIFY changed)
+    Q_PROPERTY(RowListModel* changes READ changes CONSTANT)
+    Q_MOC_INCLUDE("api/RowListModel.h")
 
 public:
-    using QObject::QObject;
+    // The roles of `changes`, in this order.
+    enum ChangeColumn { ChangeId, Field, Before, After, HasBefore, SpokenLabel };
+
+    explicit WriteConfirmationViewModel(QObject* parent = nullptr);
 
     void present(PendingWrite write);
     // Drops the write without running it.
@@ -38,9 +44,13 @@ public:
     bool isDestructive() const { return m_write && m_write->isDestructive; }
     QString iconName() const;
     QString destructiveNotice() const;
+    // The notice with its sign, as the sheet shows it.
+    QString destructiveNoticeLine() const { return QStringLiteral("⊘ ") + destructiveNotice(); }
+    // The sign in the sheet's title: a warning for what cannot be undone, an upload arrow otherwise.
+    QString symbol() const { return isDestructive() ? QStringLiteral("⚠") : QStringLiteral("⬆"); }
     QString destructiveNoticeIconName() const;
-    // {field, before, after, hasBefore, spokenLabel} per changed field.
-    QVariantList changes() const;
+    // One row per changed field.
+    RowListModel* changes() const { return m_changes; }
 
     // Nothing has happened, and nothing will.
     Q_INVOKABLE void cancel();
@@ -56,5 +66,8 @@ Q_SIGNALS:
     void confirmed();
 
 private:
+    void publishChanges();
+
     std::optional<PendingWrite> m_write;
+    RowListModel* m_changes;
 };

@@ -34,19 +34,20 @@ template <typename Model> void startLoading(QObject* model) {
 SectionRegistry makeSectionRegistry() {
     SectionRegistry registry;
     registry.add({SidebarSection::Overview,
-                  QUrl(u"qrc:/qml/workspace/OverviewPage.qml"_s),
+                  QUrl(u"qrc:/qt/qml/Varnis/Workspace/OverviewPage.qml"_s),
                   [](const SectionContext& context) -> QObject* {
                       return new OverviewViewModel(context.state, context.app, context.parent);
                   },
                   {}});
-    registry.add({SidebarSection::AppStoreOptimization, QUrl(u"qrc:/qml/metadata/MetadataPage.qml"_s),
+    registry.add({SidebarSection::AppStoreOptimization,
+                  QUrl(u"qrc:/qt/qml/Varnis/Metadata/MetadataPage.qml"_s),
                   [](const SectionContext& context) -> QObject* {
                       auto* model = new MetadataViewModel(context.state, context.app, context.parent);
                       presentWritesOf(model, context.presenter);
                       return model;
                   },
                   startLoading<MetadataViewModel>});
-    registry.add({SidebarSection::Releases, QUrl(u"qrc:/qml/release/VersionsPage.qml"_s),
+    registry.add({SidebarSection::Releases, QUrl(u"qrc:/qt/qml/Varnis/Release/VersionsPage.qml"_s),
                   [](const SectionContext& context) -> QObject* {
                       return new VersionsListViewModel(context.state, context.app, context.parent);
                   },

@@ -74,17 +74,9 @@ bool UiShell::load() {
     if (QGuiApplication::windowIcon().isNull()) {
         QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
     }
-    QQmlContext* context = m_engine.rootContext();
-    context->setContextProperty(u"workspace"_s, m_workspace);
-    context->setContextProperty(u"accountSettings"_s, m_accountSettings);
-    context->setContextProperty(u"addAccount"_s, m_addAccount);
-    context->setContextProperty(u"rateLimit"_s, m_rateLimit);
-    context->setContextProperty(u"changeLog"_s, m_changeLog);
-    context->setContextProperty(u"taskList"_s, m_taskList);
-    context->setContextProperty(u"writeConfirmation"_s, m_writeConfirmation);
-    context->setContextProperty(u"backgroundSettings"_s, m_background);
-    context->setContextProperty(u"shell"_s, this);
-    m_engine.load(QUrl(u"qrc:/qml/Main.qml"_s));
+    // The screens are modules compiled into the program, under the import path of Qt's own.
+    m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    m_engine.load(QUrl(u"qrc:/qt/qml/Varnis/Workspace/Main.qml"_s));
     return mainWindow() != nullptr;
 }
 
@@ -127,7 +119,7 @@ void UiShell::openAppWindow(const QString& appID) {
         SidebarSections::fromRaw(m_state.preferences().sceneText(u"velmora.window.section"_s, u"overview"_s));
     auto* model =
         new AppWindowViewModel(m_state, m_sections, appID, section.value_or(SidebarSection::Overview));
-    QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/workspace/AppWindow.qml"_s));
+    QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Varnis/Workspace/AppWindow.qml"_s));
     QObject* window = component.createWithInitialProperties({{u"model"_s, QVariant::fromValue(model)}});
     if (!window) {
         qWarning("%s", qPrintable(component.errorString()));

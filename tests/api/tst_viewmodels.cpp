@@ -6,6 +6,7 @@
 #include "api/PendingWrite.h"
 #include "api/RateLimitGovernor.h"
 #include "api/RateLimitStatusViewModel.h"
+#include "api/RowListModel.h"
 #include "api/TaskCenter.h"
 #include "api/TaskListModel.h"
 #include "api/WriteConfirmationViewModel.h"
@@ -794,12 +795,13 @@ void TestViewModels::writeConfirmation() {
     QVERIFY(vm.isPresented());
     QCOMPARE(vm.iconName(), icon);
     QCOMPARE(vm.destructiveNotice(), notice);
+    QAbstractItemModelTester tester(vm.changes(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     QStringList spoken;
-    for (const QVariant& change : vm.changes()) {
-        spoken.append(change.toMap().value(u"spokenLabel"_s).toString());
+    for (int row = 0; row < vm.changes()->count(); ++row) {
+        spoken.append(vm.changes()->value(row, WriteConfirmationViewModel::SpokenLabel).toString());
     }
     QCOMPARE(spoken, (QStringList{u"Einladung: von a@example.com auf zurückgezogen"_s, u"Gruppe: Beta"_s}));
-    QCOMPARE(vm.changes().at(1).toMap().value(u"hasBefore"_s).toBool(), false);
+    QCOMPARE(vm.changes()->value(1, WriteConfirmationViewModel::HasBefore).toBool(), false);
 
     if (confirm) {
         VarnisTest::awaitTask(vm.confirmAsync());
@@ -808,7 +810,7 @@ void TestViewModels::writeConfirmation() {
         vm.cancel();
     }
     QVERIFY(!vm.isPresented());
-    QCOMPARE(vm.changes(), QVariantList());
+    QCOMPARE(vm.changes()->count(), 0);
     QCOMPARE(performed, confirm ? 1 : 0);
     QCOMPARE(confirmed.count(), confirm ? 1 : 0);
 }

@@ -1,6 +1,6 @@
 # Window tests: the real screens, offscreen, driven by input events.
 add_library(varnis_ui_fixture STATIC ${CMAKE_CURRENT_LIST_DIR}/UiFixture.cpp ${CMAKE_CURRENT_LIST_DIR}/UiFixture.h)
-target_link_libraries(varnis_ui_fixture PUBLIC varnis_test_support varnis_ui)
+target_link_libraries(varnis_ui_fixture PUBLIC varnis_test_support varnis_ui varnis_screens)
 target_compile_options(varnis_ui_fixture PRIVATE ${VARNIS_WARNINGS})
 target_compile_definitions(varnis_ui_fixture PUBLIC VARNIS_SCREENSHOT_DIR="${CMAKE_BINARY_DIR}/screenshots")
 

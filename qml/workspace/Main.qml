@@ -1,8 +1,8 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
-import "workspace"
-import "api"
+import Varnis.App
+import Varnis.Api
 
 ApplicationWindow {
     id: root
@@ -12,7 +12,7 @@ ApplicationWindow {
     minimumWidth: 900
     minimumHeight: 560
     visible: true
-    title: workspace.windowTitle
+    title: Shell.workspace.windowTitle
 
     // The extra windows and sheets are made the first time they are needed, not at start-up.
     function openSettings() {
@@ -31,7 +31,7 @@ ApplicationWindow {
     Loader {
         id: menuLoader
         active: false
-        source: "workspace/MainMenuBar.qml"
+        source: "MainMenuBar.qml"
         onLoaded: {
             item.settingsRequested.connect(root.openSettings)
             item.changeLogRequested.connect(root.openChangeLog)
@@ -50,19 +50,19 @@ ApplicationWindow {
         spacing: 0
         DemoBanner {
             Layout.fillWidth: true
-            visible: workspace.isDemoActive
-            text: workspace.demoBannerText
+            visible: Shell.workspace.isDemoActive
+            text: Shell.workspace.demoBannerText
         }
         NoticeBar {
             Layout.fillWidth: true
-            visible: workspace.appsError !== ""
-            text: workspace.appsError
+            visible: Shell.workspace.appsError !== ""
+            text: Shell.workspace.appsError
             tone: "negative"
         }
         NoticeBar {
             Layout.fillWidth: true
-            visible: workspace.cacheAgeText !== ""
-            text: workspace.cacheAgeText
+            visible: Shell.workspace.cacheAgeText !== ""
+            text: Shell.workspace.cacheAgeText
             tone: "neutral"
         }
     }
@@ -70,7 +70,7 @@ ApplicationWindow {
     RowLayout {
         anchors.fill: parent
         spacing: 0
-        visible: !workspace.showsEmptyState
+        visible: !Shell.workspace.showsEmptyState
 
         // The panes give up width to the section in a small window.
         AppListPane {
@@ -84,36 +84,36 @@ ApplicationWindow {
         Loader {
             Layout.preferredWidth: Math.min(210, root.width * 0.2)
             Layout.fillHeight: true
-            active: workspace.hasSelectedApp
+            active: Shell.workspace.hasSelectedApp
             visible: active
             sourceComponent: SectionSidebar {
-                host: workspace.sections
-                onSectionChosen: raw => workspace.selectSection(raw)
+                host: Shell.workspace.sections
+                onSectionChosen: raw => Shell.workspace.selectSection(raw)
             }
         }
         ToolSeparator {
             Layout.fillHeight: true
-            visible: workspace.hasSelectedApp
+            visible: Shell.workspace.hasSelectedApp
         }
         SectionContent {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            host: workspace.sections
+            host: Shell.workspace.sections
         }
     }
 
     Loader {
         anchors.fill: parent
-        active: workspace.showsEmptyState
+        active: Shell.workspace.showsEmptyState
         sourceComponent: EmptyStatePage {
             onOpenSettings: root.openSettings()
-            onStartDemo: workspace.isDemoModeEnabled = true
-            onShowOnboarding: workspace.isOnboardingPresented = true
+            onStartDemo: Shell.workspace.isDemoModeEnabled = true
+            onShowOnboarding: Shell.workspace.isOnboardingPresented = true
         }
     }
 
     footer: Loader {
-        active: taskList.count > 0
+        active: Shell.taskList.count > 0
         sourceComponent: TaskCenterBar {}
     }
 
@@ -121,22 +121,22 @@ ApplicationWindow {
     Loader {
         id: settingsLoader
         active: false
-        source: "api/SettingsWindow.qml"
+        source: "qrc:/qt/qml/Varnis/Api/SettingsWindow.qml"
     }
 
     Loader {
         id: changeLogLoader
         active: false
-        source: "api/ChangeLogWindow.qml"
+        source: "qrc:/qt/qml/Varnis/Api/ChangeLogWindow.qml"
     }
 
     Loader {
-        active: writeConfirmation.isPresented
-        Component.onCompleted: setSource("api/WriteConfirmationSheet.qml", { "model": writeConfirmation })
+        active: Shell.writeConfirmation.isPresented
+        Component.onCompleted: setSource("qrc:/qt/qml/Varnis/Api/WriteConfirmationSheet.qml", { "model": Shell.writeConfirmation })
     }
 
     Loader {
-        active: workspace.isOnboardingPresented
-        source: "workspace/OnboardingSheet.qml"
+        active: Shell.workspace.isOnboardingPresented
+        source: "OnboardingSheet.qml"
     }
 }
