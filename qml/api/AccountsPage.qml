@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -145,12 +146,11 @@ ScrollView {
         footer: DialogButtonBox {
             Button {
                 text: "Abbrechen"
-                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+                onClicked: removeDialog.close()
             }
             Button {
                 objectName: "confirmRemoveButton"
                 text: "Entfernen"
-                DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole
                 onClicked: {
                     Shell.accountSettings.removeCurrent()
                     removeDialog.close()

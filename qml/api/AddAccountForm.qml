@@ -167,7 +167,7 @@ GroupBox {
             title: "API-Schlüssel wählen"
             currentFolder: Shell.addAccount.keyFileFolder
             nameFilters: ["API-Schlüssel (*.p8)", "Alle Dateien (*)"]
-            onAccepted: Shell.addAccount.loadPrivateKey(selectedFile.toString())
+            onAccepted: Shell.addAccount.loadChosenKey(selectedFile)
         }
     }
 }

@@ -90,7 +90,7 @@ Window {
                 required property string mark
                 required property string markColor
                 required property string accessibleName
-                width: list.width
+                width: ListView.view.width
                 Accessible.name: accessibleName
                 contentItem: RowLayout {
                     spacing: 8
@@ -133,7 +133,7 @@ Window {
             acceptLabel: "Sichern"
             currentFile: Shell.changeLog.proposedFileName
             nameFilters: ["Text mit Tabulatoren (*.tsv)"]
-            onAccepted: Shell.changeLog.exportTo(selectedFile.toString())
+            onAccepted: Shell.changeLog.exportToChosenFile(selectedFile)
         }
     }
 }

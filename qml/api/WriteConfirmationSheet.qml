@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -70,13 +71,12 @@ Dialog {
         Button {
             objectName: "cancelWriteButton"
             text: "Abbrechen"
-            DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+            onClicked: sheet.reject()
         }
         Button {
             objectName: "confirmWriteButton"
             text: sheet.model.confirmLabel
             highlighted: true
-            DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
             onClicked: sheet.model.confirm()
         }
     }

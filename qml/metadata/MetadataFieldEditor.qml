@@ -36,40 +36,35 @@ ColumnLayout {
             Accessible.name: editor.countName
         }
     }
-    Loader {
+    // One line or a text area, as the field asks; the other one stays hidden and unnamed.
+    TextField {
         Layout.fillWidth: true
-        Layout.preferredHeight: editor.multiline ? 110 : implicitHeight
-        sourceComponent: editor.multiline ? area : line
+        visible: !editor.multiline
+        objectName: editor.multiline ? "" : "field_" + editor.fieldKey
+        text: editor.text
+        Accessible.name: editor.label
+        onTextEdited: editor.edited(text)
     }
-    Component {
-        id: line
-        TextField {
-            objectName: "field_" + editor.fieldKey
-            text: editor.text
-            Accessible.name: editor.label
-            onTextEdited: editor.edited(text)
+    ScrollView {
+        Layout.fillWidth: true
+        Layout.preferredHeight: 110
+        visible: editor.multiline
+        clip: true
+        // The text wraps at the frame; only the height scrolls.
+        contentWidth: availableWidth
+        background: Rectangle {
+            color: textArea.palette.base
+            border.color: textArea.activeFocus ? textArea.palette.highlight : textArea.palette.mid
+            radius: 2
         }
-    }
-    Component {
-        id: area
-        ScrollView {
-            clip: true
-            // The text wraps at the frame; only the height scrolls.
-            contentWidth: availableWidth
-            background: Rectangle {
-                color: palette.base
-                border.color: textArea.activeFocus ? palette.highlight : palette.mid
-                radius: 2
-            }
-            TextArea {
-                id: textArea
-                objectName: "field_" + editor.fieldKey
-                text: editor.text
-                wrapMode: TextEdit.Wrap
-                Accessible.name: editor.label
-                // Also runs when the model sets the text; the model ignores a text it already has.
-                onTextChanged: editor.edited(text)
-            }
+        TextArea {
+            id: textArea
+            objectName: editor.multiline ? "field_" + editor.fieldKey : ""
+            text: editor.multiline ? editor.text : ""
+            wrapMode: TextEdit.Wrap
+            Accessible.name: editor.label
+            // Also runs when the model sets the text; the model ignores a text it already has.
+            onTextChanged: if (editor.multiline) editor.edited(text)
         }
     }
     Label {

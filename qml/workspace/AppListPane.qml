@@ -71,18 +71,9 @@ Pane {
                 currentIndex: -1
                 highlightMoveDuration: 0
                 Accessible.name: "Alle Apps"
-                // The keyboard's place in the list, visible while the list has focus.
-                highlight: Rectangle {
-                    visible: allList.activeFocus
-                    color: "transparent"
-                    border.color: palette.highlight
-                    border.width: 2
-                    radius: 3
-                    z: 2
-                }
 
                 header: Column {
-                    width: allList.width
+                    width: parent ? parent.width : 0
                     AppGroup {
                         width: parent.width
                         title: "Favoriten"
@@ -104,11 +95,11 @@ Pane {
                 }
 
                 delegate: AppRow {
-                    width: allList.width
+                    width: ListView.view.width
                 }
 
-                Keys.onReturnPressed: if (currentItem) Shell.workspace.selectApp(currentItem.appId)
-                Keys.onSpacePressed: if (currentItem) Shell.workspace.selectApp(currentItem.appId)
+                Keys.onReturnPressed: Shell.workspace.selectAppAt(currentIndex)
+                Keys.onSpacePressed: Shell.workspace.selectAppAt(currentIndex)
             }
         }
     }

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Varnis.App
 import Varnis.Theme
@@ -15,8 +16,20 @@ Rectangle {
     implicitHeight: 40
     color: isSelected ? palette.highlight : (area.containsMouse ? palette.alternateBase : "transparent")
     Accessible.role: Accessible.ListItem
-    Accessible.name: name + ", " + subtitle
+    required property string accessibleName
+    Accessible.name: accessibleName
     Accessible.selected: isSelected
+
+    // The keyboard's place in "Alle Apps", visible while the list has the focus.
+    Rectangle {
+        anchors.fill: parent
+        visible: row.ListView.view !== null && row.ListView.isCurrentItem && row.ListView.view.activeFocus
+        color: "transparent"
+        border.color: row.palette.highlight
+        border.width: 2
+        radius: 3
+        z: 2
+    }
 
     // Mouse areas rather than tap handlers: the star's own area takes its click, so that
     // marking a favourite does not also select the app.

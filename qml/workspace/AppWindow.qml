@@ -17,7 +17,7 @@ ApplicationWindow {
     title: model.windowTitle
 
     Shortcut {
-        sequences: [StandardKey.Close]
+        sequence: "Ctrl+W"
         onActivated: window.close()
     }
 
@@ -32,7 +32,7 @@ ApplicationWindow {
             Layout.preferredWidth: 210
             Layout.fillHeight: true
             host: window.model.sections
-            onSectionChosen: raw => window.model.selectSection(raw)
+            onSectionChosen: position => window.model.goToSection(position)
         }
         ToolSeparator {
             Layout.fillHeight: true
@@ -46,8 +46,7 @@ ApplicationWindow {
 
     Loader {
         active: window.model.writeConfirmation.isPresented
-        sourceComponent: WriteConfirmationSheet {
-            model: window.model.writeConfirmation
-        }
+        Component.onCompleted: setSource("qrc:/qt/qml/Varnis/Api/WriteConfirmationSheet.qml",
+                                         { "model": window.model.writeConfirmation })
     }
 }

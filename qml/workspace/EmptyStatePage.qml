@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -5,9 +6,7 @@ import Varnis.App
 import Varnis.Theme
 
 Pane {
-    signal openSettings
-    signal startDemo
-    signal showOnboarding
+    id: page
 
     ColumnLayout {
         anchors.centerIn: parent
@@ -31,16 +30,16 @@ Pane {
             Button {
                 text: "Account hinzufügen …"
                 highlighted: true
-                onClicked: openSettings()
+                onClicked: Shell.requestSettings()
             }
             Button {
                 text: "Demo-Modus"
-                onClicked: startDemo()
+                onClicked: Shell.workspace.isDemoModeEnabled = true
             }
             Button {
                 objectName: "showOnboardingButton"
                 text: "Erste Schritte …"
-                onClicked: showOnboarding()
+                onClicked: Shell.workspace.isOnboardingPresented = true
             }
         }
     }

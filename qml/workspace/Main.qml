@@ -16,26 +16,33 @@ ApplicationWindow {
 
     // The extra windows and sheets are made the first time they are needed, not at start-up.
     function openSettings() {
-        settingsLoader.active = true
-        settingsLoader.item.open()
+        settingsLoader.active = true;
+        (settingsLoader.item as SettingsWindow).open();
     }
     function openChangeLog() {
-        changeLogLoader.active = true
-        changeLogLoader.item.open()
+        changeLogLoader.active = true;
+        (changeLogLoader.item as ChangeLogWindow).open();
     }
 
     // The menus are built right after the first frame: they are the most expensive part of the
     // window and nobody can reach for them before it is on screen.
-    menuBar: menuLoader.item
+    menuBar: menuLoader.item as MainMenuBar
 
     Loader {
         id: menuLoader
         active: false
         source: "MainMenuBar.qml"
         onLoaded: {
-            item.settingsRequested.connect(root.openSettings)
-            item.changeLogRequested.connect(root.openChangeLog)
+            const bar = menuLoader.item as MainMenuBar
+            bar.settingsRequested.connect(root.openSettings)
+            bar.changeLogRequested.connect(root.openChangeLog)
         }
+    }
+
+    // The empty state's "Account hinzufügen …" opens the settings of this window.
+    Connections {
+        target: Shell
+        function onSettingsRequested() { root.openSettings() }
     }
 
     Connections {
@@ -88,7 +95,7 @@ ApplicationWindow {
             visible: active
             sourceComponent: SectionSidebar {
                 host: Shell.workspace.sections
-                onSectionChosen: raw => Shell.workspace.selectSection(raw)
+                onSectionChosen: position => Shell.workspace.goToSection(position)
             }
         }
         ToolSeparator {
@@ -105,11 +112,7 @@ ApplicationWindow {
     Loader {
         anchors.fill: parent
         active: Shell.workspace.showsEmptyState
-        sourceComponent: EmptyStatePage {
-            onOpenSettings: root.openSettings()
-            onStartDemo: Shell.workspace.isDemoModeEnabled = true
-            onShowOnboarding: Shell.workspace.isOnboardingPresented = true
-        }
+        sourceComponent: EmptyStatePage {}
     }
 
     footer: Loader {

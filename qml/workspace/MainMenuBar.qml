@@ -1,5 +1,7 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
+import QtQml.Models
 import Varnis.App
 
 // The menus of the main window with their shortcuts.
@@ -25,7 +27,7 @@ MenuBar {
         MenuSeparator {}
         Action {
             text: "Beenden"
-            shortcut: StandardKey.Quit
+            shortcut: "Ctrl+Q"
             onTriggered: Qt.quit()
         }
     }

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -15,7 +16,7 @@ Dialog {
     footer: DialogButtonBox {
         Button {
             text: "Schließen"
-            DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+            onClicked: sheet.close()
         }
     }
     onClosed: Shell.workspace.isOnboardingPresented = false

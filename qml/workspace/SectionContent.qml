@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -11,7 +12,7 @@ Pane {
     required property SectionHost host
 
     function showPage() {
-        if (content.host.page.toString() !== "")
+        if (content.host.hasPage)
             pageLoader.setSource(content.host.page, { "model": content.host.sectionModel })
         else
             pageLoader.source = ""

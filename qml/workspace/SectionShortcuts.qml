@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 
 // Ctrl+1…9 for the sections in the order the sidebar shows, for a window without the menu bar.
@@ -8,10 +9,11 @@ Item {
     Repeater {
         model: 9
         delegate: Item {
+            id: slot
             required property int index
             Shortcut {
-                sequence: "Ctrl+" + (index + 1)
-                onActivated: shortcuts.sectionRequested(index)
+                sequence: "Ctrl+" + (slot.index + 1)
+                onActivated: shortcuts.sectionRequested(slot.index)
             }
         }
     }

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import Varnis.Theme
@@ -7,7 +8,8 @@ import Varnis.App
 Pane {
     id: sidebar
     required property SectionHost host
-    signal sectionChosen(string raw)
+    // The position in the order the sidebar shows, which is the order Ctrl+1…9 count.
+    signal sectionChosen(int position)
     padding: 0
 
     ListView {
@@ -19,20 +21,11 @@ Pane {
         activeFocusOnTab: true
         clip: true
         highlightMoveDuration: 0
-        // The keyboard's place in the list, visible while the list has focus.
-        highlight: Rectangle {
-            visible: list.activeFocus
-            color: "transparent"
-            border.color: palette.highlight
-            border.width: 2
-            radius: 3
-            z: 2
-        }
         Accessible.name: "Bereiche"
         Accessible.role: Accessible.List
 
-        Keys.onReturnPressed: if (currentItem) sidebar.sectionChosen(currentItem.raw)
-        Keys.onSpacePressed: if (currentItem) sidebar.sectionChosen(currentItem.raw)
+        Keys.onReturnPressed: if (currentIndex >= 0) sidebar.sectionChosen(currentIndex)
+        Keys.onSpacePressed: if (currentIndex >= 0) sidebar.sectionChosen(currentIndex)
 
         delegate: Column {
             id: entry
@@ -46,7 +39,7 @@ Pane {
             required property string note
             required property string badge
             required property string accessibleName
-            width: list.width
+            width: ListView.view.width
 
             Label {
                 visible: entry.startsGroup
@@ -66,8 +59,17 @@ Pane {
                 opacity: entry.isBuilt ? 1.0 : 0.6
                 Accessible.name: entry.accessibleName
                 onClicked: {
-                    list.currentIndex = entry.index
-                    sidebar.sectionChosen(entry.raw)
+                    entry.ListView.view.currentIndex = entry.index
+                    sidebar.sectionChosen(entry.index)
+                }
+                // The keyboard's place in the list, visible while the list has the focus.
+                Rectangle {
+                    anchors.fill: parent
+                    visible: entry.ListView.isCurrentItem && entry.ListView.view.activeFocus
+                    color: "transparent"
+                    border.color: entry.palette.highlight
+                    border.width: 2
+                    radius: 3
                 }
                 ToolTip.visible: hovered && entry.note !== ""
                 ToolTip.text: entry.note

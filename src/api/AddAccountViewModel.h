@@ -81,6 +81,8 @@ public:
     // A local path or a file:// URL as a file dialog gives it. The same file once more, as the
     // field hands it over when it loses focus, is not read again.
     Q_INVOKABLE void loadPrivateKey(const QString& pathOrFileUrl);
+    // The file chosen in the file dialog.
+    Q_INVOKABLE void loadChosenKey(const QUrl& file) { loadPrivateKey(file.toString()); }
     Q_INVOKABLE void testConnection();
     Q_INVOKABLE void save();
     Q_INVOKABLE void reset();

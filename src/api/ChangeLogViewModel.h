@@ -61,6 +61,8 @@ public:
     Q_INVOKABLE void refresh();
     // Writes the log as tab-separated text, UTF-8, to a local path or a file:// URL.
     Q_INVOKABLE bool exportTo(const QString& pathOrFileUrl);
+    // The file chosen in the save dialog.
+    Q_INVOKABLE bool exportToChosenFile(const QUrl& file) { return exportTo(file.toString()); }
     // "Protokoll leeren": empties the log and shows what is left, which is nothing.
     Q_INVOKABLE void clear();
 

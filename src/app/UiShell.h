@@ -70,12 +70,17 @@ public:
     TaskListModel* taskList() const { return m_taskList; }
     BackgroundSettingsViewModel* backgroundSettings() const { return m_background; }
 
+    // Asks the main window to show its settings (from screens that are not the menu).
+    Q_INVOKABLE void requestSettings() { Q_EMIT settingsRequested(); }
     // A key combination as the platform writes it in menus ("Strg+," in German).
     Q_INVOKABLE QString shortcutText(const QVariant& sequence) const;
     // A window for one app, with a section of its own.
     Q_INVOKABLE void openAppWindow(const QString& appID);
     // Deep links and other messages from a second start.
     void handleMessages(const QStringList& messages);
+
+Q_SIGNALS:
+    void settingsRequested();
 
 private:
     AppState& m_state;

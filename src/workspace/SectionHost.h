@@ -29,6 +29,7 @@ class SectionHost : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY selectedSectionChanged)
     Q_PROPERTY(QObject* sectionModel READ sectionModel NOTIFY pageChanged)
     Q_PROPERTY(QUrl page READ page NOTIFY pageChanged)
+    Q_PROPERTY(bool hasPage READ hasPage NOTIFY pageChanged)
     Q_PROPERTY(RowListModel* sidebar READ sidebar CONSTANT)
     Q_PROPERTY(QString noAppText READ noAppText CONSTANT)
 public:
@@ -62,6 +63,7 @@ public:
     QString emptyText() const;
     QObject* sectionModel() const;
     QUrl page() const;
+    bool hasPage() const { return !page().isEmpty(); }
     RowListModel* sidebar() const { return m_sidebar; }
     QString noAppText() const;
     // The model of a section shown so far for this app, or null.

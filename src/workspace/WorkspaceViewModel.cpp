@@ -206,6 +206,13 @@ void WorkspaceViewModel::setPointerOverAppLists(bool over) {
     m_recents->setFrozen(over);
 }
 
+void WorkspaceViewModel::selectAppAt(int row) {
+    const QString id = m_all->value(row, AppListModel::AppIdRole - AppListModel::FirstRole).toString();
+    if (!id.isEmpty()) {
+        selectApp(id);
+    }
+}
+
 void WorkspaceViewModel::toggleFavorite(const QString& appID) {
     m_state.preferences().toggleFavorite(appID);
 }

@@ -92,6 +92,8 @@ public:
     bool isCheckChangesAvailable() const { return false; }
 
     Q_INVOKABLE void selectApp(const QString& appID);
+    // The app in that row of "Alle Apps" (the keyboard's choice).
+    Q_INVOKABLE void selectAppAt(int row);
     Q_INVOKABLE void toggleFavorite(const QString& appID);
     Q_INVOKABLE void showAllApps();
     Q_INVOKABLE void refreshApps();

@@ -41,12 +41,13 @@ void scrollIntoView(QQuickItem* item) {
 
 // What the user sees of a field: the line itself, or the framed box a text area scrolls in.
 QQuickItem* fieldFrame(QQuickItem* editor) {
+    // A text area's frame is the scroll view right around it; a line is its own frame.
+    if (!editor->inherits("QQuickTextArea")) {
+        return editor;
+    }
     for (QQuickItem* up = editor->parentItem(); up; up = up->parentItem()) {
         if (up->inherits("QQuickScrollView")) {
             return up;
-        }
-        if (up->inherits("QQuickLoader")) {
-            break;
         }
     }
     return editor;
