@@ -13,6 +13,7 @@
 #include "workspace/WorkspaceViewModel.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QQmlApplicationEngine>
@@ -82,17 +83,25 @@ int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
     std::unique_ptr<UiShell> shell;
     QQuickWindow* window = nullptr;
     if (mode == u"empty"_s) {
-        engine.loadData(
-            "import QtQuick\nimport QtQuick.Controls\nApplicationWindow { width: 1180; height: 740; "
-            "visible: true }");
+        const QByteArray extra = qgetenv("BENCH_EMPTY_EXTRA");
+        engine.loadData("import QtQuick\nimport QtQuick.Controls\n" + extra +
+                        "\nApplicationWindow { width: 1180; height: 740; visible: true }");
         window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     } else {
         state = std::make_unique<AppState>(offlinePlatform(dataDir),
                                            AppState::Options{std::make_shared<QSettings>(
                                                dataDir + u"/settings.ini"_s, QSettings::IniFormat)});
-        state->accountStore().useEphemeralAccount(benchAccount(), QByteArray(std::getenv("BENCH_KEY")));
+        QByteArray key = qgetenv("BENCH_KEY");
+        if (key.isEmpty()) {
+            QFile file(dataDir + u"/key.pem"_s);
+            if (file.open(QIODevice::ReadOnly)) {
+                key = file.readAll();
+            }
+        }
+        state->accountStore().useEphemeralAccount(benchAccount(), key);
         trace("state");
         shell = std::make_unique<UiShell>(*state, engine);
+        trace("shell");
         shell->load();
         trace("loaded");
         shell->start();
@@ -101,6 +110,11 @@ int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
     }
     if (!window) {
         return 2;
+    }
+    if (qEnvironmentVariableIsSet("BENCH_TRACE")) {
+        QObject::connect(window, &QQuickWindow::beforeSynchronizing, &app, [] { trace("synchronizing"); });
+        QObject::connect(window, &QQuickWindow::beforeRendering, &app, [] { trace("rendering"); });
+        QObject::connect(window, &QQuickWindow::afterRendering, &app, [] { trace("rendered"); });
     }
     QObject::connect(window, &QQuickWindow::frameSwapped, &app, [&]() {
         trace("frame");
@@ -126,12 +140,20 @@ double runOnce(const QString& mode, const QString& dataDir, const QByteArray& ke
     QElapsedTimer timer;
     timer.start();
     process.start(QCoreApplication::applicationFilePath(), {u"--child"_s, mode, dataDir});
+    // The time is taken when the child reports its first frame, not when it has shut down again.
+    QByteArray output;
+    double ms = -1;
+    while (process.waitForReadyRead(60000)) {
+        output += process.readAllStandardOutput();
+        if (output.contains("frame")) {
+            ms = double(timer.nsecsElapsed()) / 1e6;
+            break;
+        }
+    }
     process.waitForFinished(60000);
-    const double ms = double(timer.nsecsElapsed()) / 1e6;
-    if (!process.readAllStandardOutput().contains("frame")) {
+    if (ms < 0) {
         std::fprintf(stderr, "%s: no frame (%s)\n", qPrintable(mode),
                      process.readAllStandardError().constData());
-        return -1;
     }
     return ms;
 }
@@ -150,6 +172,13 @@ int main(int argc, char** argv) {
         return child(argc, argv, QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
     }
     QCoreApplication app(argc, argv);
+    if (argc == 3 && QByteArray(argv[1]) == "--prepare") {
+        // A data folder for profiling one child by hand: `bench_startup --child full DIR`.
+        const QString dataDir = QString::fromLocal8Bit(argv[2]);
+        prepareCache(dataDir);
+        QFile file(dataDir + u"/key.pem"_s);
+        return file.open(QIODevice::WriteOnly) && file.write(makeTestKey().privateKeyPEM) > 0 ? 0 : 1;
+    }
     const int runs = argc > 1 ? QByteArray(argv[1]).toInt() : 7;
     QTemporaryDir dir;
     prepareCache(dir.path());

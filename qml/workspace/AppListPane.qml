@@ -4,9 +4,12 @@ import QtQuick.Layouts
 import Varnis.App
 
 // The apps: the account switcher, favourites, recently used and all apps.
-Pane {
+Rectangle {
     id: pane
-    padding: 0
+    color: palette.window
+    // False until the window has shown its first frame: the controls above the list come a frame
+    // later, so that the apps reach the screen first.
+    property bool settled: true
 
     HoverHandler {
         onHoveredChanged: Shell.workspace.setPointerOverAppLists(hovered)
@@ -19,32 +22,38 @@ Pane {
         Loader {
             Layout.fillWidth: true
             Layout.margins: 8
-            active: Shell.workspace.hasAccount
-            visible: active
+            active: Shell.workspace.hasAccount && pane.settled
+            visible: Shell.workspace.hasAccount
             sourceComponent: AccountSwitcher {}
         }
 
-        TextField {
-            id: filter
-            objectName: "appFilterField"
+        Loader {
             Layout.fillWidth: true
             Layout.leftMargin: 8
             Layout.rightMargin: 8
-            placeholderText: "Apps filtern"
-            selectByMouse: true
-            text: Shell.workspace.appFilter
-            Accessible.name: "Apps filtern"
-            onTextEdited: Shell.workspace.appFilter = text
-            Keys.onEscapePressed: Shell.workspace.appFilter = ""
+            active: pane.settled
+            sourceComponent: TextField {
+                objectName: "appFilterField"
+                placeholderText: "Apps filtern"
+                selectByMouse: true
+                text: Shell.workspace.appFilter
+                Accessible.name: "Apps filtern"
+                onTextEdited: Shell.workspace.appFilter = text
+                Keys.onEscapePressed: Shell.workspace.appFilter = ""
+            }
+            // A line field leaves Down to its parent: it moves on to the list.
             Keys.onDownPressed: allList.forceActiveFocus()
         }
 
-        CheckBox {
+        Loader {
             Layout.leftMargin: 8
-            text: "Apps aller Accounts"
-            checked: Shell.workspace.showsAppsOfAllAccounts
-            enabled: Shell.workspace.hasAccount
-            onToggled: Shell.workspace.showsAppsOfAllAccounts = checked
+            active: pane.settled
+            sourceComponent: CheckBox {
+                text: "Apps aller Accounts"
+                checked: Shell.workspace.showsAppsOfAllAccounts
+                enabled: Shell.workspace.hasAccount
+                onToggled: Shell.workspace.showsAppsOfAllAccounts = checked
+            }
         }
 
         Label {
@@ -56,15 +65,18 @@ Pane {
             color: palette.placeholderText
         }
 
-        ScrollView {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            clip: true
-
-            ListView {
+        // A list with one scroll bar of its own rather than a scroll view with two: the first frame
+        // pays for every control.
+        ListView {
                 id: allList
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                clip: true
+                ScrollBar.vertical: ScrollBar {}
                 objectName: "allAppsList"
                 model: Shell.workspace.allApps
+                // Only the rows on screen are made; the rest as they scroll in.
+                cacheBuffer: 0
                 reuseItems: true
                 keyNavigationEnabled: true
                 activeFocusOnTab: true
@@ -100,7 +112,6 @@ Pane {
 
                 Keys.onReturnPressed: Shell.workspace.selectAppAt(currentIndex)
                 Keys.onSpacePressed: Shell.workspace.selectAppAt(currentIndex)
-            }
         }
     }
 }

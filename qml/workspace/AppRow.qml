@@ -15,21 +15,16 @@ Rectangle {
 
     implicitHeight: 40
     color: isSelected ? palette.highlight : (area.containsMouse ? palette.alternateBase : "transparent")
+    // The keyboard's place in "Alle Apps", visible while the list has the focus; a border rather
+    // than an item of its own, since every row pays for its items.
+    border.width: ListView.view !== null && ListView.isCurrentItem && ListView.view.activeFocus ? 2 : 0
+    border.color: palette.highlight
+    radius: border.width > 0 ? 3 : 0
     Accessible.role: Accessible.ListItem
     required property string accessibleName
     Accessible.name: accessibleName
     Accessible.selected: isSelected
 
-    // The keyboard's place in "Alle Apps", visible while the list has the focus.
-    Rectangle {
-        anchors.fill: parent
-        visible: row.ListView.view !== null && row.ListView.isCurrentItem && row.ListView.view.activeFocus
-        color: "transparent"
-        border.color: row.palette.highlight
-        border.width: 2
-        radius: 3
-        z: 2
-    }
 
     // Mouse areas rather than tap handlers: the star's own area takes its click, so that
     // marking a favourite does not also select the app.

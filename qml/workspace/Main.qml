@@ -24,13 +24,16 @@ ApplicationWindow {
         (changeLogLoader.item as ChangeLogWindow).open();
     }
 
-    // The menus are built right after the first frame: they are the most expensive part of the
-    // window and nobody can reach for them before it is on screen.
+    // True from the first frame on. The first frame shows the apps and little else; the menus
+    // (the most expensive part), the notices and the section's side follow a frame later, before
+    // anybody can reach for them.
+    property bool settled: false
+
     menuBar: menuLoader.item as MainMenuBar
 
     Loader {
         id: menuLoader
-        active: false
+        active: root.settled
         source: "MainMenuBar.qml"
         onLoaded: {
             const bar = menuLoader.item as MainMenuBar
@@ -47,13 +50,23 @@ ApplicationWindow {
 
     Connections {
         target: root
-        enabled: !menuLoader.active
+        enabled: !root.settled
         function onFrameSwapped() {
-            menuLoader.active = true
+            settle.start()
         }
     }
 
-    header: ColumnLayout {
+    // On the next turn of the event loop, once the frame is out.
+    Timer {
+        id: settle
+        interval: 0
+        onTriggered: root.settled = true
+    }
+
+    // The notices above the panes come a frame after the apps.
+    header: Loader {
+        active: root.settled
+        sourceComponent: ColumnLayout {
         spacing: 0
         DemoBanner {
             Layout.fillWidth: true
@@ -73,6 +86,7 @@ ApplicationWindow {
             tone: "neutral"
         }
     }
+    }
 
     RowLayout {
         anchors.fill: parent
@@ -83,9 +97,13 @@ ApplicationWindow {
         AppListPane {
             Layout.preferredWidth: Math.min(280, root.width * 0.26)
             Layout.fillHeight: true
+            settled: root.settled
         }
-        ToolSeparator {
+        // Plain lines rather than separator controls: the first frame pays for every control.
+        Rectangle {
             Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            color: palette.mid
         }
         // Made when an app is first selected, not at start-up.
         Loader {
@@ -98,14 +116,20 @@ ApplicationWindow {
                 onSectionChosen: position => Shell.workspace.goToSection(position)
             }
         }
-        ToolSeparator {
+        Rectangle {
             Layout.fillHeight: true
+            Layout.preferredWidth: 1
             visible: Shell.workspace.hasSelectedApp
+            color: palette.mid
         }
-        SectionContent {
+        // The section's side comes a frame after the apps as well.
+        Loader {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            host: Shell.workspace.sections
+            active: root.settled
+            sourceComponent: SectionContent {
+                host: Shell.workspace.sections
+            }
         }
     }
 

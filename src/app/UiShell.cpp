@@ -83,12 +83,25 @@ bool UiShell::load() {
 void UiShell::start() {
     const QString appID = m_state.preferences().sceneText(u"velmora.main.appID"_s, QString());
     const QString section = m_state.preferences().sceneText(u"velmora.main.section"_s, u"overview"_s);
-    // Restoring loads the list itself when it has an app to look for.
-    if (appID.isEmpty()) {
-        QCoro::connect(m_state.loadApps(false), this, [] {});
-    } else {
+    // The stored list is on screen in the first frame; Apple is asked once that frame is out, so
+    // that setting up the network never holds the window back.
+    m_state.showStoredApps();
+    if (!appID.isEmpty()) {
         QCoro::connect(m_state.restoreLastState(appID, section), this, [] {});
     }
+    QQuickWindow* window = mainWindow();
+    if (!window) {
+        QCoro::connect(m_state.loadApps(false), this, [] {});
+        return;
+    }
+    auto connection = std::make_shared<QMetaObject::Connection>();
+    *connection = connect(window, &QQuickWindow::frameSwapped, this, [this, connection] {
+        disconnect(*connection);
+        // Restoring the last app may be loading the list already.
+        if (!m_state.isLoadingApps()) {
+            QCoro::connect(m_state.loadApps(false), this, [] {});
+        }
+    });
 }
 
 QQuickWindow* UiShell::mainWindow() const {

@@ -128,6 +128,25 @@ bool AppState::isLoadingApps() const {
     return m_appsLoad->isBusy();
 }
 
+void AppState::showStoredApps() {
+    if (!m_apps.isEmpty()) {
+        return;
+    }
+    if (isDemoActive()) {
+        setApps(MockData::apps());
+        m_appsAreSamples = true;
+        return;
+    }
+    const auto selected = m_accountStore->selectedAccount();
+    if (!selected) {
+        return;
+    }
+    if (auto cached = m_appsService->disk().loadList<ManagedApp>(AppsService::diskKey(selected->id))) {
+        m_appsFromCacheAge = m_appsService->disk().ageDescription(cached->storedAt);
+        setApps(std::move(cached->value));
+    }
+}
+
 QCoro::Task<> AppState::loadApps(bool forceRefresh) {
     // Every load supersedes the one before: whatever that one still brings back belongs to a
     // selection that is gone.

@@ -63,6 +63,9 @@ public:
 
     // Never raises; results land in the published state.
     QCoro::Task<> loadApps(bool forceRefresh);
+    // The stored list of the selected account (or the sample apps), at once and without the
+    // network, so that the first frame of the window shows apps; loadApps asks Apple afterwards.
+    void showStoredApps();
     // Lets one run (the command line) list every account without changing the stored preference.
     void setShowsAppsOfAllAccountsOverride(std::optional<bool> value) { m_allAccountsOverride = value; }
     void selectAccount(const Account& account);
