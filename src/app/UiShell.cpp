@@ -69,11 +69,6 @@ UiShell::~UiShell() {
 }
 
 bool UiShell::load() {
-    // The icon of every window, and of the task bar entry where the desktop does not find the
-    // installed one.
-    if (QGuiApplication::windowIcon().isNull()) {
-        QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
-    }
     // The screens are modules compiled into the program, under the import path of Qt's own.
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_engine.load(QUrl(u"qrc:/qt/qml/Varnis/Workspace/Main.qml"_s));
@@ -97,6 +92,11 @@ void UiShell::start() {
     auto connection = std::make_shared<QMetaObject::Connection>();
     *connection = connect(window, &QQuickWindow::frameSwapped, this, [this, connection] {
         disconnect(*connection);
+        // The icon of every window, and of the task bar entry where the desktop does not find the
+        // installed one; drawn from its SVG after the first frame rather than before it.
+        if (QGuiApplication::windowIcon().isNull()) {
+            QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
+        }
         // Restoring the last app may be loading the list already.
         if (!m_state.isLoadingApps()) {
             QCoro::connect(m_state.loadApps(false), this, [] {});

@@ -52,7 +52,7 @@ private Q_SLOTS:
         QTRY_COMPARE(workspace->allApps()->count(), 4);
         QVERIFY(workspace->isDemoActive());
         QQuickWindow* main = mainWindow();
-        QVERIFY(!main->icon().pixmap(64).isNull());
+        QTRY_VERIFY(!main->icon().pixmap(64).isNull());
         shoot(main, u"main-demo"_s);
 
         for (int row = 0; row < workspace->allApps()->count(); ++row) {
