@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <exception>
+#include <optional>
 
 // One kind of work of a presentation model (loading, saving, …): it owns the busy flag, the
 // published German error text and a generation counter. Each start hands out a `Run`; a newer
@@ -68,6 +69,10 @@ public:
     bool isBusy() const { return m_busy; }
     const QString& errorText() const { return m_error; }
     bool hasError() const { return !m_error.isEmpty(); }
+    // The error text, or nothing while there is none.
+    std::optional<QString> error() const {
+        return hasError() ? std::optional<QString>(m_error) : std::nullopt;
+    }
     quint64 generation() const { return m_generation; }
 
 Q_SIGNALS:

@@ -137,7 +137,7 @@ bool MetadataViewModel::isLoading() const {
 }
 
 std::optional<QString> MetadataViewModel::loadError() const {
-    return m_loading->hasError() ? std::optional<QString>(m_loading->errorText()) : std::nullopt;
+    return m_loading->error();
 }
 
 QString MetadataViewModel::loadErrorText() const {
@@ -149,7 +149,7 @@ bool MetadataViewModel::isSaving() const {
 }
 
 std::optional<QString> MetadataViewModel::saveError() const {
-    return m_saving->hasError() ? std::optional<QString>(m_saving->errorText()) : std::nullopt;
+    return m_saving->error();
 }
 
 QString MetadataViewModel::saveErrorText() const {
@@ -161,8 +161,7 @@ bool MetadataViewModel::isChangingLanguages() const {
 }
 
 std::optional<QString> MetadataViewModel::languageError() const {
-    return m_changingLanguages->hasError() ? std::optional<QString>(m_changingLanguages->errorText())
-                                           : std::nullopt;
+    return m_changingLanguages->error();
 }
 
 QString MetadataViewModel::languageErrorText() const {

@@ -10,6 +10,8 @@
 #include <QSettings>
 #include <QTest>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -109,30 +111,40 @@ QQuickWindow* UiFixture::topLevel(const QString& objectName) {
 namespace {
 // Walks what is on screen, not the object tree: delegates, loaded pages and popups are visual
 // children of the window's root item whatever their owner is.
-QQuickItem* visibleChild(QQuickItem* item, const QString& objectName) {
+QQuickItem* visibleMatch(QQuickItem* item, const std::function<bool(QQuickItem*)>& matches) {
     if (!item->isVisible()) {
         return nullptr;
     }
-    if (item->objectName() == objectName && item->width() > 0 && item->height() > 0) {
+    if (matches(item)) {
         return item;
     }
     const auto children = item->childItems();
     for (QQuickItem* child : children) {
-        if (QQuickItem* found = visibleChild(child, objectName)) {
+        if (QQuickItem* found = visibleMatch(child, matches)) {
             return found;
         }
     }
     return nullptr;
 }
-} // namespace
 
-QQuickItem* UiFixture::shownItem(QQuickWindow* window, const QString& objectName) {
-    // From the root item: popups and sheets live on the overlay, beside the content item.
+QQuickItem* visibleChild(QQuickItem* item, const QString& objectName) {
+    return visibleMatch(item, [&objectName](QQuickItem* candidate) {
+        return candidate->objectName() == objectName && candidate->width() > 0 && candidate->height() > 0;
+    });
+}
+
+QQuickItem* rootOf(QQuickWindow* window) {
     QQuickItem* root = window->contentItem();
     while (root->parentItem()) {
         root = root->parentItem();
     }
-    return visibleChild(root, objectName);
+    return root;
+}
+} // namespace
+
+QQuickItem* UiFixture::shownItem(QQuickWindow* window, const QString& objectName) {
+    // From the root item: popups and sheets live on the overlay, beside the content item.
+    return visibleChild(rootOf(window), objectName);
 }
 
 QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName) {
@@ -141,32 +153,12 @@ QQuickItem* UiFixture::findItem(QQuickWindow* window, const QString& objectName)
     return found;
 }
 
-namespace {
-QQuickItem* visibleText(QQuickItem* item, const QString& text) {
-    if (!item->isVisible()) {
-        return nullptr;
-    }
-    if (item->inherits("QQuickText") && item->property("text").toString() == text) {
-        return item;
-    }
-    const auto children = item->childItems();
-    for (QQuickItem* child : children) {
-        if (QQuickItem* found = visibleText(child, text)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-} // namespace
-
 QQuickItem* UiFixture::findText(QQuickWindow* window, const QString& text) {
     QQuickItem* found = nullptr;
     (void)QTest::qWaitFor([&] {
-        QQuickItem* root = window->contentItem();
-        while (root->parentItem()) {
-            root = root->parentItem();
-        }
-        found = visibleText(root, text);
+        found = visibleMatch(rootOf(window), [&text](QQuickItem* candidate) {
+            return candidate->inherits("QQuickText") && candidate->property("text").toString() == text;
+        });
         return found != nullptr;
     });
     return found;
