@@ -52,9 +52,11 @@ AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* par
     connect(&m_store, &AccountStore::accountsChanged, this, &AccountSettingsViewModel::accountsDidChange);
     connect(&m_store, &AccountStore::selectedAccountChanged, this,
             &AccountSettingsViewModel::accountsDidChange);
+    connect(m_probing, &ModelOperation::busyChanged, this, &AccountSettingsViewModel::isProbingChanged);
+    connect(m_removing, &ModelOperation::busyChanged, this, &AccountSettingsViewModel::emitRemovingChanged);
     for (ModelOperation* operation : {m_probing, m_removing}) {
-        connect(operation, &ModelOperation::busyChanged, this, &AccountSettingsViewModel::busyChanged);
-        connect(operation, &ModelOperation::errorChanged, this, &AccountSettingsViewModel::messagesChanged);
+        connect(operation, &ModelOperation::errorChanged, this,
+                &AccountSettingsViewModel::errorMessageChanged);
     }
     followCurrent();
     syncCapabilities();
@@ -71,11 +73,35 @@ void AccountSettingsViewModel::accountsDidChange() {
     m_list->sync();
     followCurrent();
     syncCapabilities();
-    Q_EMIT currentChanged();
-    Q_EMIT busyChanged();
+    emitCurrentChanged();
     if (hadAccounts != hasAccounts()) {
-        Q_EMIT addingChanged();
+        Q_EMIT hasAccountsChanged();
+        Q_EMIT showsAddFormChanged();
+        Q_EMIT showsAccountDetailsChanged();
+        Q_EMIT showsAddButtonChanged();
     }
+}
+
+void AccountSettingsViewModel::emitCurrentChanged() {
+    Q_EMIT currentIndexChanged();
+    Q_EMIT selectedRowChanged();
+    Q_EMIT hasCurrentChanged();
+    Q_EMIT currentNameChanged();
+    Q_EMIT isReadOnlyChanged();
+    Q_EMIT isEphemeralChanged();
+    Q_EMIT capabilityHeadlineChanged();
+    Q_EMIT removalExplanationChanged();
+    Q_EMIT canRemoveChanged();
+}
+
+void AccountSettingsViewModel::emitVendorNumberChanged() {
+    Q_EMIT vendorNumberChanged();
+    Q_EMIT vendorNumberMessageChanged();
+}
+
+void AccountSettingsViewModel::emitRemovingChanged() {
+    Q_EMIT isRemovingChanged();
+    Q_EMIT canRemoveChanged();
 }
 
 void AccountSettingsViewModel::followCurrent() {
@@ -98,7 +124,7 @@ void AccountSettingsViewModel::followCurrent() {
     // previous one.
     const auto account = currentAccount();
     m_vendorNumber = account ? account->vendorNumber.value_or(QString()) : QString();
-    Q_EMIT vendorNumberChanged();
+    emitVendorNumberChanged();
 }
 
 int AccountSettingsViewModel::currentIndex() const {
@@ -117,9 +143,9 @@ void AccountSettingsViewModel::setCurrentIndex(int row) {
     m_removing->clearError();
     setMessages({}, {});
     syncCapabilities();
-    Q_EMIT vendorNumberChanged();
-    Q_EMIT currentChanged();
-    Q_EMIT busyChanged();
+    emitVendorNumberChanged();
+    emitCurrentChanged();
+    Q_EMIT isProbingChanged();
 }
 
 int AccountSettingsViewModel::selectedRow() const {
@@ -156,7 +182,7 @@ void AccountSettingsViewModel::setVendorNumber(const QString& text) {
         return;
     }
     m_vendorNumber = text;
-    Q_EMIT vendorNumberChanged();
+    emitVendorNumberChanged();
 }
 
 QString AccountSettingsViewModel::vendorNumberMessage() const {
@@ -225,7 +251,10 @@ void AccountSettingsViewModel::setAdding(bool adding) {
         return;
     }
     m_isAdding = adding;
-    Q_EMIT addingChanged();
+    Q_EMIT isAddingChanged();
+    Q_EMIT showsAddFormChanged();
+    Q_EMIT showsAccountDetailsChanged();
+    Q_EMIT addButtonTextChanged();
 }
 
 void AccountSettingsViewModel::toggleAdding() {
@@ -254,9 +283,14 @@ void AccountSettingsViewModel::setMessages(const QString& error, const QString& 
     if (m_errorMessage == error && m_statusMessage == status) {
         return;
     }
+    const bool statusDiffers = m_statusMessage != status;
     m_errorMessage = error;
     m_statusMessage = status;
-    Q_EMIT messagesChanged();
+    // The error shown also depends on the operations' own errors, so it is announced either way.
+    Q_EMIT errorMessageChanged();
+    if (statusDiffers) {
+        Q_EMIT statusMessageChanged();
+    }
 }
 
 void AccountSettingsViewModel::saveVendorNumber() {
@@ -270,7 +304,7 @@ void AccountSettingsViewModel::saveVendorNumber() {
     }
     account->vendorNumber = nilIfBlank(m_vendorNumber);
     m_vendorNumber = account->vendorNumber.value_or(QString());
-    Q_EMIT vendorNumberChanged();
+    emitVendorNumberChanged();
     m_store.updateAccount(*account);
     setMessages({}, account->vendorNumber ? u"Vendor-Nummer gesichert."_s : u"Vendor-Nummer entfernt."_s);
 }

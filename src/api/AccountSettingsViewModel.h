@@ -49,31 +49,31 @@ private:
 class AccountSettingsViewModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QAbstractListModel* accounts READ accounts CONSTANT)
-    Q_PROPERTY(bool hasAccounts READ hasAccounts NOTIFY currentChanged)
-    Q_PROPERTY(int currentIndex READ currentIndex WRITE setCurrentIndex NOTIFY currentChanged)
-    Q_PROPERTY(int selectedRow READ selectedRow NOTIFY currentChanged)
-    Q_PROPERTY(bool hasCurrent READ hasCurrent NOTIFY currentChanged)
-    Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
-    Q_PROPERTY(bool isReadOnly READ isReadOnly WRITE setReadOnly NOTIFY currentChanged)
-    Q_PROPERTY(bool isEphemeral READ isEphemeral NOTIFY currentChanged)
+    Q_PROPERTY(bool hasAccounts READ hasAccounts NOTIFY hasAccountsChanged)
+    Q_PROPERTY(int currentIndex READ currentIndex WRITE setCurrentIndex NOTIFY currentIndexChanged)
+    Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
+    Q_PROPERTY(bool hasCurrent READ hasCurrent NOTIFY hasCurrentChanged)
+    Q_PROPERTY(QString currentName READ currentName NOTIFY currentNameChanged)
+    Q_PROPERTY(bool isReadOnly READ isReadOnly WRITE setReadOnly NOTIFY isReadOnlyChanged)
+    Q_PROPERTY(bool isEphemeral READ isEphemeral NOTIFY isEphemeralChanged)
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
-    Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberChanged)
-    Q_PROPERTY(QString capabilityHeadline READ capabilityHeadline NOTIFY currentChanged)
+    Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberMessageChanged)
+    Q_PROPERTY(QString capabilityHeadline READ capabilityHeadline NOTIFY capabilityHeadlineChanged)
     // title, available, hint, mark ("✓"/"✗"), markColor, accessibleName; keyed by title.
     Q_PROPERTY(QAbstractListModel* capabilities READ capabilities CONSTANT)
-    Q_PROPERTY(bool isProbing READ isProbing NOTIFY busyChanged)
-    Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY busyChanged)
-    Q_PROPERTY(bool canRemove READ canRemove NOTIFY busyChanged)
+    Q_PROPERTY(bool isProbing READ isProbing NOTIFY isProbingChanged)
+    Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY isRemovingChanged)
+    Q_PROPERTY(bool canRemove READ canRemove NOTIFY canRemoveChanged)
     Q_PROPERTY(QString removalQuestion READ removalQuestion CONSTANT)
-    Q_PROPERTY(QString removalExplanation READ removalExplanation NOTIFY currentChanged)
-    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY messagesChanged)
-    Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY messagesChanged)
+    Q_PROPERTY(QString removalExplanation READ removalExplanation NOTIFY removalExplanationChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
     // The form for a new key is open; without any account it always shows.
-    Q_PROPERTY(bool isAdding READ isAdding NOTIFY addingChanged)
-    Q_PROPERTY(bool showsAddForm READ showsAddForm NOTIFY addingChanged)
-    Q_PROPERTY(bool showsAccountDetails READ showsAccountDetails NOTIFY addingChanged)
-    Q_PROPERTY(bool showsAddButton READ showsAddButton NOTIFY addingChanged)
-    Q_PROPERTY(QString addButtonText READ addButtonText NOTIFY addingChanged)
+    Q_PROPERTY(bool isAdding READ isAdding NOTIFY isAddingChanged)
+    Q_PROPERTY(bool showsAddForm READ showsAddForm NOTIFY showsAddFormChanged)
+    Q_PROPERTY(bool showsAccountDetails READ showsAccountDetails NOTIFY showsAccountDetailsChanged)
+    Q_PROPERTY(bool showsAddButton READ showsAddButton NOTIFY showsAddButtonChanged)
+    Q_PROPERTY(QString addButtonText READ addButtonText NOTIFY addButtonTextChanged)
     // What demo mode shows, for the general page of the settings.
     Q_PROPERTY(QString demoExplanation READ demoExplanation CONSTANT)
 
@@ -130,11 +130,27 @@ public:
     QCoro::Task<> removeCurrentAsync();
 
 Q_SIGNALS:
-    void currentChanged();
+    void hasAccountsChanged();
+    void currentIndexChanged();
+    void selectedRowChanged();
+    void hasCurrentChanged();
+    void currentNameChanged();
+    void isReadOnlyChanged();
+    void isEphemeralChanged();
     void vendorNumberChanged();
-    void busyChanged();
-    void messagesChanged();
-    void addingChanged();
+    void vendorNumberMessageChanged();
+    void capabilityHeadlineChanged();
+    void isProbingChanged();
+    void isRemovingChanged();
+    void canRemoveChanged();
+    void removalExplanationChanged();
+    void errorMessageChanged();
+    void statusMessageChanged();
+    void isAddingChanged();
+    void showsAddFormChanged();
+    void showsAccountDetailsChanged();
+    void showsAddButtonChanged();
+    void addButtonTextChanged();
     // The last account is gone and the demo switch is off: the window shows its empty state and
     // offers to add an account. With the demo switch on it shows the sample data instead, and
     // this is not emitted.
@@ -148,6 +164,10 @@ private:
     void setMessages(const QString& error, const QString& status);
     void syncCapabilities();
     void setAdding(bool adding);
+    // Everything that follows the account being edited.
+    void emitCurrentChanged();
+    void emitVendorNumberChanged();
+    void emitRemovingChanged();
 
     AppState& m_state;
     AccountStore& m_store;

@@ -71,14 +71,31 @@ KeyFile readKeyFile(const QString& path) {
 AddAccountViewModel::AddAccountViewModel(AccountStore& store, Platform platform, QObject* parent)
     : QObject(parent), m_store(store), m_platform(std::move(platform)), m_testing(new ModelOperation(this)),
       m_saving(new ModelOperation(this)) {
-    connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::testStateChanged);
-    connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::validationChanged);
-    connect(m_saving, &ModelOperation::busyChanged, this, &AddAccountViewModel::validationChanged);
+    connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::emitTestingChanged);
+    connect(m_saving, &ModelOperation::busyChanged, this, &AddAccountViewModel::emitSavingChanged);
     connect(m_testing, &ModelOperation::errorChanged, this, &AddAccountViewModel::errorMessageChanged);
     connect(m_saving, &ModelOperation::errorChanged, this, &AddAccountViewModel::errorMessageChanged);
 }
 
 AddAccountViewModel::~AddAccountViewModel() = default;
+
+void AddAccountViewModel::emitPrivateKeyChanged() {
+    Q_EMIT privateKeyFilenameChanged();
+    Q_EMIT hasPrivateKeyChanged();
+    Q_EMIT keyFilePathChanged();
+    Q_EMIT keyFileFolderChanged();
+}
+
+void AddAccountViewModel::emitTestingChanged() {
+    Q_EMIT isTestingChanged();
+    Q_EMIT canTestChanged();
+    Q_EMIT canSaveChanged();
+}
+
+void AddAccountViewModel::emitSavingChanged() {
+    Q_EMIT isSavingChanged();
+    Q_EMIT canSaveChanged();
+}
 
 void AddAccountViewModel::setName(const QString& name) {
     if (m_name == name) {
@@ -209,7 +226,11 @@ QString AddAccountViewModel::vendorNumberMessageFor(const QString& text) {
 
 void AddAccountViewModel::revalidate() {
     m_findings = KeyImportValidator::findings(m_keyID, m_issuerID, m_privateKeyPEM, m_privateKeyFilename);
-    Q_EMIT validationChanged();
+    Q_EMIT findingsChanged();
+    Q_EMIT isValidChanged();
+    Q_EMIT canTestChanged();
+    Q_EMIT canSaveChanged();
+    Q_EMIT vendorNumberMessageChanged();
 }
 
 void AddAccountViewModel::invalidateTest() {
@@ -230,7 +251,8 @@ void AddAccountViewModel::setTestSucceeded(bool succeeded) {
         return;
     }
     m_testSucceeded = succeeded;
-    Q_EMIT testStateChanged();
+    Q_EMIT testSucceededChanged();
+    Q_EMIT testResultTextChanged();
 }
 
 void AddAccountViewModel::loadPrivateKey(const QString& pathOrFileUrl) {
@@ -259,14 +281,15 @@ void AddAccountViewModel::loadPrivateKey(const QString& pathOrFileUrl) {
     }
     if (!file.bytes || !m_fileError.isEmpty()) {
         if (typedChanged) {
-            Q_EMIT privateKeyChanged();
+            Q_EMIT keyFilePathChanged();
+            Q_EMIT keyFileFolderChanged();
         }
         return;
     }
     m_privateKeyPEM = *file.bytes;
     m_privateKeyFilename = QFileInfo(*path).fileName();
     invalidateTest();
-    Q_EMIT privateKeyChanged();
+    emitPrivateKeyChanged();
     if (m_keyID.trimmed().isEmpty()) {
         if (auto fromFile = KeyImportValidator::keyIDFromFileName(*m_privateKeyFilename)) {
             m_keyID = *fromFile;
@@ -375,7 +398,7 @@ void AddAccountViewModel::reset() {
     Q_EMIT issuerIDChanged();
     Q_EMIT keyIDChanged();
     Q_EMIT vendorNumberChanged();
-    Q_EMIT privateKeyChanged();
+    emitPrivateKeyChanged();
     setFileError({});
     setTestSucceeded(false);
     revalidate();

@@ -19,26 +19,26 @@ class AddAccountViewModel : public QObject {
     Q_PROPERTY(QString issuerID READ issuerID WRITE setIssuerID NOTIFY issuerIDChanged)
     Q_PROPERTY(QString keyID READ keyID WRITE setKeyID NOTIFY keyIDChanged)
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
-    Q_PROPERTY(QString privateKeyFilename READ privateKeyFilename NOTIFY privateKeyChanged)
-    Q_PROPERTY(bool hasPrivateKey READ hasPrivateKey NOTIFY privateKeyChanged)
+    Q_PROPERTY(QString privateKeyFilename READ privateKeyFilename NOTIFY privateKeyFilenameChanged)
+    Q_PROPERTY(bool hasPrivateKey READ hasPrivateKey NOTIFY hasPrivateKeyChanged)
     // The key file's path as the field shows it: the file read last, or what the user typed.
-    Q_PROPERTY(QString keyFilePath READ keyFilePath NOTIFY privateKeyChanged)
+    Q_PROPERTY(QString keyFilePath READ keyFilePath NOTIFY keyFilePathChanged)
     Q_PROPERTY(QString keyFilePlaceholder READ keyFilePlaceholder CONSTANT)
     // Where the file dialog starts: the folder of the key read last, else Downloads, else home.
-    Q_PROPERTY(QUrl keyFileFolder READ keyFileFolder NOTIFY privateKeyChanged)
+    Q_PROPERTY(QUrl keyFileFolder READ keyFileFolder NOTIFY keyFileFolderChanged)
     // The file dialog's QML module is installed; without it only the typed path is offered.
     Q_PROPERTY(bool canChooseFile READ canChooseFile CONSTANT)
     Q_PROPERTY(QString keyFileHint READ keyFileHint CONSTANT)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
-    Q_PROPERTY(bool isTesting READ isTesting NOTIFY testStateChanged)
-    Q_PROPERTY(bool testSucceeded READ testSucceeded NOTIFY testStateChanged)
-    Q_PROPERTY(QString testResultText READ testResultText NOTIFY testStateChanged)
-    Q_PROPERTY(bool canTest READ canTest NOTIFY validationChanged)
-    Q_PROPERTY(bool isSaving READ isSaving NOTIFY validationChanged)
-    Q_PROPERTY(bool isValid READ isValid NOTIFY validationChanged)
-    Q_PROPERTY(bool canSave READ canSave NOTIFY validationChanged)
-    Q_PROPERTY(QVariantList findings READ findings NOTIFY validationChanged)
-    Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY validationChanged)
+    Q_PROPERTY(bool isTesting READ isTesting NOTIFY isTestingChanged)
+    Q_PROPERTY(bool testSucceeded READ testSucceeded NOTIFY testSucceededChanged)
+    Q_PROPERTY(QString testResultText READ testResultText NOTIFY testResultTextChanged)
+    Q_PROPERTY(bool canTest READ canTest NOTIFY canTestChanged)
+    Q_PROPERTY(bool isSaving READ isSaving NOTIFY isSavingChanged)
+    Q_PROPERTY(bool isValid READ isValid NOTIFY isValidChanged)
+    Q_PROPERTY(bool canSave READ canSave NOTIFY canSaveChanged)
+    Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
+    Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberMessageChanged)
 
 public:
     AddAccountViewModel(AccountStore& store, Platform platform, QObject* parent = nullptr);
@@ -95,10 +95,20 @@ Q_SIGNALS:
     void issuerIDChanged();
     void keyIDChanged();
     void vendorNumberChanged();
-    void privateKeyChanged();
+    void privateKeyFilenameChanged();
+    void hasPrivateKeyChanged();
+    void keyFilePathChanged();
+    void keyFileFolderChanged();
     void errorMessageChanged();
-    void testStateChanged();
-    void validationChanged();
+    void isTestingChanged();
+    void testSucceededChanged();
+    void testResultTextChanged();
+    void canTestChanged();
+    void isSavingChanged();
+    void isValidChanged();
+    void canSaveChanged();
+    void findingsChanged();
+    void vendorNumberMessageChanged();
     // The account is stored and selected; the form is empty again.
     void saved();
 
@@ -109,6 +119,10 @@ private:
     void invalidateTest();
     void setFileError(const QString& message);
     void setTestSucceeded(bool succeeded);
+    // A key was read or dropped: its name, the field and where the dialog starts.
+    void emitPrivateKeyChanged();
+    void emitTestingChanged();
+    void emitSavingChanged();
 
     AccountStore& m_store;
     Platform m_platform;

@@ -10,7 +10,15 @@ using namespace Qt::StringLiterals;
 RateLimitStatusViewModel::RateLimitStatusViewModel(RateLimitGovernor& governor, std::shared_ptr<Clock> clock,
                                                    QObject* parent)
     : QObject(parent), m_governor(&governor), m_clock(std::move(clock)) {
-    connect(&governor, &RateLimitGovernor::changed, this, &RateLimitStatusViewModel::changed);
+    connect(&governor, &RateLimitGovernor::changed, this, &RateLimitStatusViewModel::governorChanged);
+}
+
+void RateLimitStatusViewModel::governorChanged() {
+    // A new header can move any of the figures; working out which would cost more than the repaint.
+    Q_EMIT hasDataChanged();
+    Q_EMIT remainingTextChanged();
+    Q_EMIT fractionChanged();
+    Q_EMIT updatedAtTextChanged();
 }
 
 bool RateLimitStatusViewModel::hasData() const {

@@ -12,10 +12,10 @@ class RateLimitGovernor;
 // serves every account, so the figures are those of whichever account spoke last.
 class RateLimitStatusViewModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool hasData READ hasData NOTIFY changed)
-    Q_PROPERTY(QString remainingText READ remainingText NOTIFY changed)
-    Q_PROPERTY(double fraction READ fraction NOTIFY changed)
-    Q_PROPERTY(QString updatedAtText READ updatedAtText NOTIFY changed)
+    Q_PROPERTY(bool hasData READ hasData NOTIFY hasDataChanged)
+    Q_PROPERTY(QString remainingText READ remainingText NOTIFY remainingTextChanged)
+    Q_PROPERTY(double fraction READ fraction NOTIFY fractionChanged)
+    Q_PROPERTY(QString updatedAtText READ updatedAtText NOTIFY updatedAtTextChanged)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     Q_PROPERTY(QString explanation READ explanation CONSTANT)
 
@@ -33,9 +33,14 @@ public:
     QString explanation() const;
 
 Q_SIGNALS:
-    void changed();
+    void hasDataChanged();
+    void remainingTextChanged();
+    void fractionChanged();
+    void updatedAtTextChanged();
 
 private:
+    void governorChanged();
+
     QPointer<RateLimitGovernor> m_governor;
     std::shared_ptr<Clock> m_clock;
 };

@@ -139,4 +139,7 @@ void TaskListModel::sync() {
     if (count() != countBefore) {
         Q_EMIT countChanged();
     }
+    if ((countBefore > 0) != hasTasks()) {
+        Q_EMIT hasTasksChanged();
+    }
 }

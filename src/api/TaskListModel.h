@@ -10,7 +10,7 @@
 class TaskListModel : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
-    Q_PROPERTY(bool hasTasks READ hasTasks NOTIFY countChanged)
+    Q_PROPERTY(bool hasTasks READ hasTasks NOTIFY hasTasksChanged)
     Q_PROPERTY(QString cancelLabel READ cancelLabel CONSTANT)
 
 public:
@@ -40,6 +40,7 @@ public:
 
 Q_SIGNALS:
     void countChanged();
+    void hasTasksChanged();
 
 private:
     void sync();

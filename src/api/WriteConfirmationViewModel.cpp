@@ -33,10 +33,23 @@ WriteConfirmationViewModel::WriteConfirmationViewModel(QObject* parent)
     : QObject(parent), m_changes(new RowListModel(
                            {"changeId", "field", "before", "after", "hasBefore", "spokenLabel"}, this)) {}
 
+void WriteConfirmationViewModel::emitWriteChanged() {
+    Q_EMIT isPresentedChanged();
+    Q_EMIT titleChanged();
+    Q_EMIT explanationChanged();
+    Q_EMIT confirmLabelChanged();
+    Q_EMIT isDestructiveChanged();
+    Q_EMIT iconNameChanged();
+    Q_EMIT destructiveNoticeChanged();
+    Q_EMIT destructiveNoticeLineChanged();
+    Q_EMIT symbolChanged();
+    Q_EMIT destructiveNoticeIconNameChanged();
+}
+
 void WriteConfirmationViewModel::present(PendingWrite write) {
     m_write = std::move(write);
     publishChanges();
-    Q_EMIT changed();
+    emitWriteChanged();
 }
 
 void WriteConfirmationViewModel::clear() {
@@ -45,7 +58,7 @@ void WriteConfirmationViewModel::clear() {
     }
     m_write.reset();
     publishChanges();
-    Q_EMIT changed();
+    emitWriteChanged();
 }
 
 QString WriteConfirmationViewModel::title() const {

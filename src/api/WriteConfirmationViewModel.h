@@ -12,17 +12,18 @@ class RowListModel;
 // PendingWrite over with present(); the sheet's buttons call cancel() or confirm().
 class WriteConfirmationViewModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool isPresented READ isPresented NOTIFY changed)
-    Q_PROPERTY(QString title READ title NOTIFY changed)
-    Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
-    Q_PROPERTY(QString confirmLabel READ confirmLabel NOTIFY changed)
+    Q_PROPERTY(bool isPresented READ isPresented NOTIFY isPresentedChanged)
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(QString explanation READ explanation NOTIFY explanationChanged)
+    Q_PROPERTY(QString confirmLabel READ confirmLabel NOTIFY confirmLabelChanged)
     Q_PROPERTY(QString cancelLabel READ cancelLabel CONSTANT)
-    Q_PROPERTY(bool isDestructive READ isDestructive NOTIFY changed)
-    Q_PROPERTY(QString iconName READ iconName NOTIFY changed)
-    Q_PROPERTY(QString destructiveNotice READ destructiveNotice NOTIFY changed)
-    Q_PROPERTY(QString destructiveNoticeLine READ destructiveNoticeLine NOTIFY changed)
-    Q_PROPERTY(QString symbol READ symbol NOTIFY changed)
-    Q_PROPERTY(QString destructiveNoticeIconName READ destructiveNoticeIconName NOTIFY changed)
+    Q_PROPERTY(bool isDestructive READ isDestructive NOTIFY isDestructiveChanged)
+    Q_PROPERTY(QString iconName READ iconName NOTIFY iconNameChanged)
+    Q_PROPERTY(QString destructiveNotice READ destructiveNotice NOTIFY destructiveNoticeChanged)
+    Q_PROPERTY(QString destructiveNoticeLine READ destructiveNoticeLine NOTIFY destructiveNoticeLineChanged)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY symbolChanged)
+    Q_PROPERTY(QString destructiveNoticeIconName READ destructiveNoticeIconName NOTIFY
+                   destructiveNoticeIconNameChanged)
     Q_PROPERTY(RowListModel* changes READ changes CONSTANT)
     Q_MOC_INCLUDE("api/RowListModel.h")
 
@@ -61,12 +62,23 @@ public:
     QCoro::Task<> confirmAsync();
 
 Q_SIGNALS:
-    void changed();
+    void isPresentedChanged();
+    void titleChanged();
+    void explanationChanged();
+    void confirmLabelChanged();
+    void isDestructiveChanged();
+    void iconNameChanged();
+    void destructiveNoticeChanged();
+    void destructiveNoticeLineChanged();
+    void symbolChanged();
+    void destructiveNoticeIconNameChanged();
     void cancelled();
     void confirmed();
 
 private:
     void publishChanges();
+    // Every text of the sheet follows the write it shows.
+    void emitWriteChanged();
 
     std::optional<PendingWrite> m_write;
     RowListModel* m_changes;

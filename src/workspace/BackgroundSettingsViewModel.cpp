@@ -2,11 +2,34 @@
 
 #include "workspace/AppPreferencesStore.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 BackgroundSettingsViewModel::BackgroundSettingsViewModel(AppPreferencesStore& preferences, QObject* parent)
-    : QObject(parent), m_preferences(preferences) {
-    connect(&preferences, &AppPreferencesStore::changed, this, &BackgroundSettingsViewModel::changed);
+    : QObject(parent), m_preferences(preferences), m_shown(current()) {
+    connect(&preferences, &AppPreferencesStore::changed, this,
+            &BackgroundSettingsViewModel::preferencesChanged);
+}
+
+BackgroundSettingsViewModel::Shown BackgroundSettingsViewModel::current() const {
+    return {isBackgroundRefreshEnabled(), areNotificationsEnabled(), isMenuBarEnabled(), intervalIndex()};
+}
+
+void BackgroundSettingsViewModel::preferencesChanged() {
+    const Shown before = std::exchange(m_shown, current());
+    if (before.backgroundRefresh != m_shown.backgroundRefresh) {
+        Q_EMIT isBackgroundRefreshEnabledChanged();
+    }
+    if (before.notifications != m_shown.notifications) {
+        Q_EMIT areNotificationsEnabledChanged();
+    }
+    if (before.menuBar != m_shown.menuBar) {
+        Q_EMIT isMenuBarEnabledChanged();
+    }
+    if (before.interval != m_shown.interval) {
+        Q_EMIT intervalIndexChanged();
+    }
 }
 
 const QList<int>& BackgroundSettingsViewModel::intervalMinutes() {

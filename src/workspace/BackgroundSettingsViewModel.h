@@ -10,11 +10,12 @@ class AppPreferencesStore;
 class BackgroundSettingsViewModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isBackgroundRefreshEnabled READ isBackgroundRefreshEnabled WRITE
-                   setBackgroundRefreshEnabled NOTIFY changed)
+                   setBackgroundRefreshEnabled NOTIFY isBackgroundRefreshEnabledChanged)
     Q_PROPERTY(bool areNotificationsEnabled READ areNotificationsEnabled WRITE setNotificationsEnabled NOTIFY
-                   changed)
-    Q_PROPERTY(bool isMenuBarEnabled READ isMenuBarEnabled WRITE setMenuBarEnabled NOTIFY changed)
-    Q_PROPERTY(int intervalIndex READ intervalIndex WRITE setIntervalIndex NOTIFY changed)
+                   areNotificationsEnabledChanged)
+    Q_PROPERTY(
+        bool isMenuBarEnabled READ isMenuBarEnabled WRITE setMenuBarEnabled NOTIFY isMenuBarEnabledChanged)
+    Q_PROPERTY(int intervalIndex READ intervalIndex WRITE setIntervalIndex NOTIFY intervalIndexChanged)
     Q_PROPERTY(QStringList intervalTitles READ intervalTitles CONSTANT)
     Q_PROPERTY(QString explanation READ explanation CONSTANT)
 public:
@@ -34,8 +35,22 @@ public:
     static const QList<int>& intervalMinutes();
 
 Q_SIGNALS:
-    void changed();
+    void isBackgroundRefreshEnabledChanged();
+    void areNotificationsEnabledChanged();
+    void isMenuBarEnabledChanged();
+    void intervalIndexChanged();
 
 private:
+    struct Shown {
+        bool backgroundRefresh;
+        bool notifications;
+        bool menuBar;
+        int interval;
+    };
+    Shown current() const;
+    // The store announces any change of any preference; only the switches that moved are told.
+    void preferencesChanged();
+
     AppPreferencesStore& m_preferences;
+    Shown m_shown;
 };

@@ -60,7 +60,7 @@ void SectionHost::setApp(std::optional<ManagedApp> app) {
         if (m_app) {
             m_app.reset();
             Q_EMIT hasAppChanged();
-            Q_EMIT pageChanged();
+            emitPageChanged();
         }
         return;
     }
@@ -72,7 +72,7 @@ void SectionHost::setApp(std::optional<ManagedApp> app) {
     if (!hadApp) {
         Q_EMIT hasAppChanged();
     }
-    Q_EMIT pageChanged();
+    emitPageChanged();
     // The old pages are gone by now (pageChanged replaced them); their models may follow.
     for (const auto& model : old) {
         if (model) {
@@ -89,6 +89,15 @@ void SectionHost::selectSection(SidebarSection section) {
     openSelected();
     refreshSidebar();
     Q_EMIT selectedSectionChanged();
+    Q_EMIT titleChanged();
+    Q_EMIT isBuiltChanged();
+    Q_EMIT emptyTextChanged();
+    emitPageChanged();
+}
+
+void SectionHost::emitPageChanged() {
+    Q_EMIT sectionModelChanged();
+    Q_EMIT hasPageChanged();
     Q_EMIT pageChanged();
 }
 

@@ -24,12 +24,12 @@ class SectionHost : public QObject {
     Q_MOC_INCLUDE("api/RowListModel.h")
     Q_PROPERTY(bool hasApp READ hasApp NOTIFY hasAppChanged)
     Q_PROPERTY(QString selectedSection READ selectedSectionRaw NOTIFY selectedSectionChanged)
-    Q_PROPERTY(QString title READ title NOTIFY selectedSectionChanged)
-    Q_PROPERTY(bool isBuilt READ isBuilt NOTIFY selectedSectionChanged)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY selectedSectionChanged)
-    Q_PROPERTY(QObject* sectionModel READ sectionModel NOTIFY pageChanged)
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(bool isBuilt READ isBuilt NOTIFY isBuiltChanged)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY emptyTextChanged)
+    Q_PROPERTY(QObject* sectionModel READ sectionModel NOTIFY sectionModelChanged)
     Q_PROPERTY(QUrl page READ page NOTIFY pageChanged)
-    Q_PROPERTY(bool hasPage READ hasPage NOTIFY pageChanged)
+    Q_PROPERTY(bool hasPage READ hasPage NOTIFY hasPageChanged)
     Q_PROPERTY(RowListModel* sidebar READ sidebar CONSTANT)
     Q_PROPERTY(QString noAppText READ noAppText CONSTANT)
 public:
@@ -80,11 +80,19 @@ public:
 Q_SIGNALS:
     void hasAppChanged();
     void selectedSectionChanged();
+    void titleChanged();
+    void isBuiltChanged();
+    void emptyTextChanged();
+    void sectionModelChanged();
+    void hasPageChanged();
+    // Also when only the model behind the same page changed: the page is built anew for it.
     void pageChanged();
 
 private:
     void openSelected();
     void refreshSidebar();
+    // The page and its model were replaced; pageChanged comes last, when the other two are current.
+    void emitPageChanged();
 
     AppState& m_state;
     const SectionRegistry& m_registry;

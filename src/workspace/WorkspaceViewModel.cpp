@@ -28,7 +28,10 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
     };
     connect(&state, &AppState::demoModeChanged, this, demoOrAccount);
     connect(&state.accountStore(), &AccountStore::accountsChanged, this, demoOrAccount);
-    connect(&state, &AppState::loadingChanged, this, &WorkspaceViewModel::isLoadingAppsChanged);
+    connect(&state, &AppState::loadingChanged, this, [this] {
+        Q_EMIT isLoadingAppsChanged();
+        Q_EMIT allAppsTitleChanged();
+    });
     connect(&state, &AppState::appsChanged, this, [this] {
         Q_EMIT appsErrorChanged();
         Q_EMIT cacheAgeTextChanged();

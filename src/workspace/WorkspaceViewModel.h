@@ -28,7 +28,7 @@ class WorkspaceViewModel : public QObject {
     Q_PROPERTY(QString emptyStateTitle READ emptyStateTitle CONSTANT)
     Q_PROPERTY(QString emptyStateText READ emptyStateText CONSTANT)
     Q_PROPERTY(bool isLoadingApps READ isLoadingApps NOTIFY isLoadingAppsChanged)
-    Q_PROPERTY(QString allAppsTitle READ allAppsTitle NOTIFY isLoadingAppsChanged)
+    Q_PROPERTY(QString allAppsTitle READ allAppsTitle NOTIFY allAppsTitleChanged)
     Q_PROPERTY(QString appsError READ appsError NOTIFY appsErrorChanged)
     Q_PROPERTY(QString cacheAgeText READ cacheAgeText NOTIFY cacheAgeTextChanged)
     Q_PROPERTY(QString appFilter READ appFilter WRITE setAppFilter NOTIFY appFilterChanged)
@@ -115,6 +115,7 @@ Q_SIGNALS:
     void hasAccountChanged();
     void showsEmptyStateChanged();
     void isLoadingAppsChanged();
+    void allAppsTitleChanged();
     void appsErrorChanged();
     void cacheAgeTextChanged();
     void showsAppsOfAllAccountsChanged();

@@ -1,10 +1,26 @@
+#include "api/AccountSettingsViewModel.h"
+#include "api/AddAccountViewModel.h"
+#include "api/ChangeLogViewModel.h"
 #include "api/ModelOperation.h"
+#include "api/RateLimitStatusViewModel.h"
 #include "api/RowListModel.h"
+#include "api/TaskListModel.h"
+#include "api/WriteConfirmationViewModel.h"
+#include "metadata/MetadataViewModel.h"
+#include "release/VersionsListViewModel.h"
 #include "wire/VelmoraAPIError.h"
+#include "workspace/AppWindowViewModel.h"
+#include "workspace/BackgroundSettingsViewModel.h"
+#include "workspace/OverviewViewModel.h"
+#include "workspace/SectionHost.h"
+#include "workspace/WorkspaceViewModel.h"
 
 #include <QAbstractItemModelTester>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
+
+Q_DECLARE_METATYPE(const QMetaObject*)
 
 using namespace Qt::StringLiterals;
 
@@ -139,6 +155,48 @@ private Q_SLOTS:
         operation.reset();
         QVERIFY(!run);
         run.succeed();
+    }
+
+    // A signal shared by several properties makes QML re-read all of them whenever one moves,
+    // and hides which one a handler was meant for.
+    void eachPropertyHasItsOwnSignal_data() {
+        QTest::addColumn<const QMetaObject*>("type");
+        const QList<const QMetaObject*> types{
+            &RowListModel::staticMetaObject,
+            &RateLimitStatusViewModel::staticMetaObject,
+            &AccountSettingsViewModel::staticMetaObject,
+            &AddAccountViewModel::staticMetaObject,
+            &TaskListModel::staticMetaObject,
+            &WriteConfirmationViewModel::staticMetaObject,
+            &WorkspaceViewModel::staticMetaObject,
+            &BackgroundSettingsViewModel::staticMetaObject,
+            &SectionHost::staticMetaObject,
+            &MetadataViewModel::staticMetaObject,
+            &VersionsListViewModel::staticMetaObject,
+            &OverviewViewModel::staticMetaObject,
+            &AppWindowViewModel::staticMetaObject,
+            &ChangeLogViewModel::staticMetaObject,
+        };
+        for (const QMetaObject* type : types) {
+            QTest::newRow(type->className()) << type;
+        }
+    }
+
+    void eachPropertyHasItsOwnSignal() {
+        QFETCH(const QMetaObject*, type);
+        QHash<QByteArray, QByteArray> ownerOf;
+        for (int i = type->propertyOffset(); i < type->propertyCount(); ++i) {
+            const QMetaProperty property = type->property(i);
+            if (!property.hasNotifySignal()) {
+                continue;
+            }
+            const QByteArray signal = property.notifySignal().methodSignature();
+            const QByteArray owner = ownerOf.value(signal);
+            QVERIFY2(owner.isEmpty(), qPrintable(u"%1 und %2 teilen %3"_s.arg(
+                                          QLatin1StringView(owner), QLatin1StringView(property.name()),
+                                          QLatin1StringView(signal))));
+            ownerOf.insert(signal, property.name());
+        }
     }
 };
 

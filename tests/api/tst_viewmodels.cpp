@@ -165,7 +165,7 @@ void TestViewModels::findings() {
 void TestViewModels::findingsFollowEdits() {
     Fixture f;
     AddAccountViewModel vm(f.store(), f.platform());
-    QSignalSpy changed(&vm, &AddAccountViewModel::validationChanged);
+    QSignalSpy changed(&vm, &AddAccountViewModel::findingsChanged);
     vm.setKeyID(u"abc"_s);
     QCOMPARE(findingsText(vm.findings()), QStringList{u"keyID.format:blocking"_s});
     QCOMPARE(vm.findings().first().toMap().value(u"message"_s).toString(),
@@ -252,7 +252,7 @@ void TestViewModels::keyFilePath() {
 
     // A typed path with blanks around it, as pasted from a terminal.
     const QString path = f.writeFile(u"AuthKey_ABCDE12345.p8"_s, f.pem);
-    QSignalSpy keyChanged(&vm, &AddAccountViewModel::privateKeyChanged);
+    QSignalSpy keyChanged(&vm, &AddAccountViewModel::keyFilePathChanged);
     vm.loadPrivateKey(u"  "_s + path + u"\n"_s);
     QCOMPARE(vm.errorMessage(), QString());
     QCOMPARE(vm.keyFilePath(), path);
@@ -425,7 +425,7 @@ void TestViewModels::capabilityCard() {
     f.transport->script("GET", u"/v1/users"_s, {FakeTransport::Answer::json(403, R"({"errors":[]})"_ba)});
     f.transport->script("GET", u"/v1/apps/app-7/analyticsReportRequests"_s,
                         {FakeTransport::Answer::json(200, R"({"data":[]})"_ba)});
-    QSignalSpy changed(&vm, &AccountSettingsViewModel::currentChanged);
+    QSignalSpy changed(&vm, &AccountSettingsViewModel::capabilityHeadlineChanged);
     VarnisTest::awaitTask(vm.probeAsync());
 
     QVERIFY(!vm.isProbing());
@@ -630,7 +630,7 @@ void TestViewModels::rateLimit() {
     Fixture f;
     RateLimitGovernor governor(f.clock);
     RateLimitStatusViewModel vm(governor, f.clock);
-    QSignalSpy changed(&vm, &RateLimitStatusViewModel::changed);
+    QSignalSpy changed(&vm, &RateLimitStatusViewModel::remainingTextChanged);
     if (!header.isNull()) {
         governor.update(header);
         QCOMPARE(changed.count(), 1);
@@ -723,6 +723,7 @@ void TestViewModels::taskList() {
     QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    QSignalSpy hasTasks(&model, &TaskListModel::hasTasksChanged);
 
     BackgroundTask plain;
     plain.title = u"Export"_s;
@@ -736,6 +737,8 @@ void TestViewModels::taskList() {
     center.start(bulk, [&cancelled] { ++cancelled; });
     QCOMPARE(model.count(), 2);
     QCOMPARE(inserted.count(), 2);
+    // Only the first task and the last one's end move the panel in and out.
+    QCOMPARE(hasTasks.count(), 1);
     QCOMPARE(role(model, 0, "accessibilityLabel").toString(), u"Export"_s);
     QCOMPARE(role(model, 1, "accessibilityLabel").toString(), u"Builds zuweisen, 3 von 10"_s);
     QCOMPARE(role(model, 1, "taskId").toString(), bulk.id.toString(QUuid::WithoutBraces));
@@ -752,8 +755,10 @@ void TestViewModels::taskList() {
     model.cancel(role(model, 1, "taskId").toString());
     QCOMPARE(cancelled, 1);
     QCOMPARE(model.count(), 1);
+    QCOMPARE(hasTasks.count(), 1);
     center.finish(plain.id);
     QVERIFY(!model.hasTasks());
+    QCOMPARE(hasTasks.count(), 2);
     QCOMPARE(removed.count(), 2);
     QCOMPARE(reset.count(), 0);
 }

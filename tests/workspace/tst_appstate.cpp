@@ -9,12 +9,14 @@
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppsService.h"
+#include "workspace/BackgroundSettingsViewModel.h"
 #include "workspace/MockData.h"
 
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMetaProperty>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -92,6 +94,8 @@ private Q_SLOTS:
     void recentAppsKeepEight();
     void refreshInterval_data();
     void refreshInterval();
+    void backgroundSettingsTellWhatMoved_data();
+    void backgroundSettingsTellWhatMoved();
 };
 
 void TestAppState::demoWithoutAccountSendsNothing() {
@@ -350,6 +354,58 @@ void TestAppState::refreshInterval() {
         settings->setValue(u"velmora.backgroundRefreshMinutes"_s, stored);
     }
     QCOMPARE(AppPreferencesStore(settings).backgroundRefreshMinutes(), minutes);
+}
+
+void TestAppState::backgroundSettingsTellWhatMoved_data() {
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("refresh") << u"refresh"_s << QStringList{u"isBackgroundRefreshEnabledChanged"_s};
+    QTest::newRow("notifications") << u"notifications"_s << QStringList{u"areNotificationsEnabledChanged"_s};
+    QTest::newRow("menu bar") << u"menuBar"_s << QStringList{u"isMenuBarEnabledChanged"_s};
+    QTest::newRow("other choice") << u"240"_s << QStringList{u"intervalIndexChanged"_s};
+    // 45 minutes shows as the hourly choice, which is what 60 shows too.
+    QTest::newRow("same choice") << u"45"_s << QStringList{};
+    QTest::newRow("unrelated preference") << u"recent"_s << QStringList{};
+}
+
+void TestAppState::backgroundSettingsTellWhatMoved() {
+    QFETCH(QString, change);
+    QFETCH(QStringList, expected);
+    QTemporaryDir dir;
+    AppPreferencesStore preferences(
+        std::make_shared<QSettings>(dir.filePath(u"s.ini"_s), QSettings::IniFormat));
+    BackgroundSettingsViewModel vm(preferences);
+    const QMetaObject& type = BackgroundSettingsViewModel::staticMetaObject;
+    QList<std::pair<QString, std::shared_ptr<QSignalSpy>>> spies;
+    for (int i = type.propertyOffset(); i < type.propertyCount(); ++i) {
+        const QMetaProperty property = type.property(i);
+        if (property.hasNotifySignal()) {
+            spies.append({QString::fromLatin1(property.notifySignal().name()),
+                          std::make_shared<QSignalSpy>(&vm, property.notifySignal())});
+        }
+    }
+    QCOMPARE(spies.size(), 4);
+
+    if (change == u"refresh"_s) {
+        preferences.setBackgroundRefreshEnabled(!preferences.isBackgroundRefreshEnabled());
+    } else if (change == u"notifications"_s) {
+        preferences.setNotificationsEnabled(!preferences.areNotificationsEnabled());
+    } else if (change == u"menuBar"_s) {
+        preferences.setMenuBarEnabled(!preferences.isMenuBarEnabled());
+    } else if (change == u"recent"_s) {
+        preferences.markUsed(u"app-1"_s);
+    } else {
+        preferences.setBackgroundRefreshMinutes(change.toInt());
+    }
+
+    QStringList emitted;
+    for (const auto& [name, spy] : spies) {
+        if (!spy->isEmpty()) {
+            QCOMPARE(spy->count(), 1);
+            emitted.append(name);
+        }
+    }
+    QCOMPARE(emitted, expected);
 }
 
 QTEST_GUILESS_MAIN(TestAppState)
