@@ -110,10 +110,10 @@ GroupBox {
         Repeater {
             model: Shell.addAccount.findings
             delegate: Label {
-                required property var modelData
+                required property string text
+                required property string tone
                 Layout.fillWidth: true
-                text: modelData.text
-                color: modelData.color
+                color: Theme.toneColor(tone, palette.windowText)
                 wrapMode: Text.Wrap
             }
         }

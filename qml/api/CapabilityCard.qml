@@ -3,6 +3,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Varnis.App
+import Varnis.Theme
 
 // What the key may do, as measured by one telling call per area.
 GroupBox {
@@ -22,13 +23,13 @@ GroupBox {
                 required property string title
                 required property string hint
                 required property string mark
-                required property string markColor
+                required property string markTone
                 required property string accessibleName
                 Layout.fillWidth: true
                 Accessible.name: accessibleName
                 Label {
                     text: parent.mark
-                    color: parent.markColor
+                    color: Theme.toneColor(parent.markTone, palette.windowText)
                 }
                 Label {
                     text: parent.title

@@ -4,6 +4,7 @@ import QtQuick.Dialogs
 import QtQuick.Layouts
 import QtQuick.Window
 import Varnis.App
+import Varnis.Theme
 
 // Every write that left the application, with Apple's request id; never contents.
 Window {
@@ -88,7 +89,7 @@ Window {
                 required property string requestLine
                 required property string summary
                 required property string mark
-                required property string markColor
+                required property string markTone
                 required property string accessibleName
                 width: ListView.view.width
                 Accessible.name: accessibleName
@@ -96,7 +97,7 @@ Window {
                     spacing: 8
                     Label {
                         text: entry.mark
-                        color: entry.markColor
+                        color: Theme.toneColor(entry.markTone, palette.windowText)
                         font.bold: true
                     }
                     ColumnLayout {

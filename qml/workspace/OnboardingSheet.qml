@@ -28,9 +28,8 @@ Dialog {
             model: Shell.workspace.onboardingSteps
             delegate: Label {
                 required property string modelData
-                required property int index
                 Layout.fillWidth: true
-                text: (index + 1) + ". " + modelData
+                text: modelData
                 wrapMode: Text.Wrap
             }
         }

@@ -47,7 +47,7 @@ AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* par
     : QObject(parent), m_state(state), m_store(state.accountStore()),
       m_list(new AccountListModel(state.accountStore(), this)),
       m_capabilities(
-          new RowListModel({"title", "available", "hint", "mark", "markColor", "accessibleName"}, this)),
+          new RowListModel({"title", "available", "hint", "mark", "markTone", "accessibleName"}, this)),
       m_probing(new ModelOperation(this)), m_removing(new ModelOperation(this)) {
     connect(&m_store, &AccountStore::accountsChanged, this, &AccountSettingsViewModel::accountsDidChange);
     connect(&m_store, &AccountStore::selectedAccountChanged, this,
@@ -213,7 +213,7 @@ void AccountSettingsViewModel::syncCapabilities() {
                 finding.available,
                 finding.hint,
                 finding.available ? u"✓"_s : u"✗"_s,
-                finding.available ? u"#1d6b2a"_s : u"#8a1c1c"_s,
+                finding.available ? u"positive"_s : u"negative"_s,
                 finding.title + (finding.available ? u": verfügbar"_s : u": nicht verfügbar"_s),
             });
         }

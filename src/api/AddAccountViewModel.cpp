@@ -4,6 +4,7 @@
 #include "api/AppStoreConnectClient.h"
 #include "api/JWTService.h"
 #include "api/ModelOperation.h"
+#include "api/RowListModel.h"
 #include "platform/LocalPath.h"
 #include "platform/VarnisError.h"
 
@@ -70,7 +71,8 @@ KeyFile readKeyFile(const QString& path) {
 
 AddAccountViewModel::AddAccountViewModel(AccountStore& store, Platform platform, QObject* parent)
     : QObject(parent), m_store(store), m_platform(std::move(platform)), m_testing(new ModelOperation(this)),
-      m_saving(new ModelOperation(this)) {
+      m_saving(new ModelOperation(this)),
+      m_findingRows(new RowListModel({"findingId", "severity", "message", "text", "tone"}, this)) {
     connect(m_testing, &ModelOperation::busyChanged, this, &AddAccountViewModel::emitTestingChanged);
     connect(m_saving, &ModelOperation::busyChanged, this, &AddAccountViewModel::emitSavingChanged);
     connect(m_testing, &ModelOperation::errorChanged, this, &AddAccountViewModel::errorMessageChanged);
@@ -201,21 +203,6 @@ bool AddAccountViewModel::canSave() const {
     return isValid() && vendorNumberMessage().isEmpty() && !isSaving() && !isTesting();
 }
 
-QVariantList AddAccountViewModel::findings() const {
-    QVariantList list;
-    for (const auto& finding : m_findings) {
-        const bool blocking = finding.severity == KeyImportValidator::Finding::Severity::Blocking;
-        list.append(QVariantMap{
-            {u"id"_s, finding.id},
-            {u"severity"_s, blocking ? u"blocking"_s : u"warning"_s},
-            {u"message"_s, finding.message},
-            {u"text"_s, (blocking ? u"✗ "_s : u"⚠ "_s) + finding.message},
-            {u"color"_s, blocking ? u"#8a1c1c"_s : u"#7a5a00"_s},
-        });
-    }
-    return list;
-}
-
 QString AddAccountViewModel::vendorNumberMessageFor(const QString& text) {
     const QString trimmed = text.trimmed();
     // Apple's vendor numbers are plain ASCII digits; other scripts' digits would not match one.
@@ -226,7 +213,14 @@ QString AddAccountViewModel::vendorNumberMessageFor(const QString& text) {
 
 void AddAccountViewModel::revalidate() {
     m_findings = KeyImportValidator::findings(m_keyID, m_issuerID, m_privateKeyPEM, m_privateKeyFilename);
-    Q_EMIT findingsChanged();
+    QList<RowListModel::Row> rows;
+    for (const auto& finding : std::as_const(m_findings)) {
+        const bool blocking = finding.severity == KeyImportValidator::Finding::Severity::Blocking;
+        rows.append({finding.id, blocking ? u"blocking"_s : u"warning"_s, finding.message,
+                     (blocking ? u"✗ "_s : u"⚠ "_s) + finding.message,
+                     blocking ? u"negative"_s : u"caution"_s});
+    }
+    m_findingRows->setRows(rows);
     Q_EMIT isValidChanged();
     Q_EMIT canTestChanged();
     Q_EMIT canSaveChanged();

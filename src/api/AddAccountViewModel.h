@@ -10,6 +10,7 @@
 
 class AccountStore;
 class ModelOperation;
+class RowListModel;
 
 // The form that adds an account: four texts and a key file, checked live while the user types.
 // The private key never leaves this object except into the secret store.
@@ -37,7 +38,8 @@ class AddAccountViewModel : public QObject {
     Q_PROPERTY(bool isSaving READ isSaving NOTIFY isSavingChanged)
     Q_PROPERTY(bool isValid READ isValid NOTIFY isValidChanged)
     Q_PROPERTY(bool canSave READ canSave NOTIFY canSaveChanged)
-    Q_PROPERTY(QVariantList findings READ findings NOTIFY findingsChanged)
+    Q_PROPERTY(RowListModel* findings READ findings CONSTANT)
+    Q_MOC_INCLUDE("api/RowListModel.h")
     Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberMessageChanged)
 
 public:
@@ -72,7 +74,10 @@ public:
     bool isValid() const;
     // Also the vendor number, when one is typed, must be digits only.
     bool canSave() const;
-    QVariantList findings() const;
+    // The roles of `findings`, in this order.
+    enum FindingColumn { FindingId, Severity, Message, FindingText, Tone };
+    // What the checks found so far, changed in place as the user types.
+    RowListModel* findings() const { return m_findingRows; }
     QString vendorNumberMessage() const { return vendorNumberMessageFor(m_vendorNumber); }
 
     // "Vendor-Nummern bestehen nur aus Ziffern." for a non-blank text with anything but digits.
@@ -107,7 +112,6 @@ Q_SIGNALS:
     void isSavingChanged();
     void isValidChanged();
     void canSaveChanged();
-    void findingsChanged();
     void vendorNumberMessageChanged();
     // The account is stored and selected; the form is empty again.
     void saved();
@@ -139,4 +143,5 @@ private:
     QList<KeyImportValidator::Finding> m_findings;
     ModelOperation* m_testing;
     ModelOperation* m_saving;
+    RowListModel* m_findingRows;
 };

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 ChangeLogListModel::ChangeLogListModel(QObject* parent)
     : RowListModel({"entryId", "dateText", "method", "path", "statusText", "requestIDText", "accountName",
-                    "errorMessage", "isSuccess", "symbol", "summary", "mark", "markColor", "accessibleName",
+                    "errorMessage", "isSuccess", "symbol", "summary", "mark", "markTone", "accessibleName",
                     "requestLine"},
                    parent) {}
 
@@ -44,7 +44,7 @@ void ChangeLogListModel::setEntries(const QList<AuditLog::Entry>& entries) {
             success ? u"checkmark.circle"_s : u"exclamationmark.circle"_s,
             summary.join(u" · "_s),
             success ? u"✓"_s : u"!"_s,
-            success ? u"#1d6b2a"_s : u"#8a1c1c"_s,
+            success ? u"positive"_s : u"negative"_s,
             entry.method + u' ' + entry.path + u", "_s + statusText,
             entry.method + u' ' + entry.path,
         });

@@ -80,11 +80,6 @@ QString WorkspaceViewModel::demoBannerText() const {
     return u"Demo-Modus: Beispieldaten, es wird nichts an App Store Connect geschickt."_s;
 }
 
-QString WorkspaceViewModel::demoExplanation() const {
-    return u"Ohne Account zeigt der Demo-Modus alle Bereiche mit Beispieldaten. Es wird nichts an App Store "
-           "Connect geschickt. Sobald ein Account verbunden ist, gilt immer der Account."_s;
-}
-
 bool WorkspaceViewModel::hasAccount() const {
     return m_state.hasAccount();
 }
@@ -162,7 +157,7 @@ QString WorkspaceViewModel::onboardingTitle() const {
 }
 
 QStringList WorkspaceViewModel::onboardingSteps() const {
-    return {
+    const QStringList steps{
         u"Lege in App Store Connect unter „Benutzer und Zugriff → Integrationen“ einen API-Schlüssel an und "
         u"lade "
         "die .p8-Datei herunter."_s,
@@ -174,6 +169,12 @@ QStringList WorkspaceViewModel::onboardingSteps() const {
         u"Apples "
         "Request-ID fest."_s,
     };
+    // Numbered as the sheet shows them.
+    QStringList numbered;
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        numbered.append(QString::number(i + 1) + u". "_s + steps[i]);
+    }
+    return numbered;
 }
 
 void WorkspaceViewModel::selectApp(const QString& appID) {

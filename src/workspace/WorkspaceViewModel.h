@@ -22,7 +22,6 @@ class WorkspaceViewModel : public QObject {
     Q_PROPERTY(bool isDemoModeEnabled READ isDemoModeEnabled WRITE setDemoModeEnabled NOTIFY
                    isDemoModeEnabledChanged)
     Q_PROPERTY(QString demoBannerText READ demoBannerText CONSTANT)
-    Q_PROPERTY(QString demoExplanation READ demoExplanation CONSTANT)
     Q_PROPERTY(bool hasAccount READ hasAccount NOTIFY hasAccountChanged)
     Q_PROPERTY(bool showsEmptyState READ showsEmptyState NOTIFY showsEmptyStateChanged)
     Q_PROPERTY(QString emptyStateTitle READ emptyStateTitle CONSTANT)
@@ -59,7 +58,6 @@ public:
     bool isDemoModeEnabled() const;
     void setDemoModeEnabled(bool on);
     QString demoBannerText() const;
-    QString demoExplanation() const;
     bool hasAccount() const;
     bool showsEmptyState() const;
     QString emptyStateTitle() const;

@@ -71,11 +71,11 @@ struct Fixture : TestPlatform {
     }
 };
 
-QStringList findingsText(const QVariantList& findings) {
+QStringList findingsText(const RowListModel* findings) {
     QStringList result;
-    for (const QVariant& finding : findings) {
-        const QVariantMap map = finding.toMap();
-        result.append(map.value(u"id"_s).toString() + u':' + map.value(u"severity"_s).toString());
+    for (int row = 0; row < findings->count(); ++row) {
+        result.append(findings->value(row, AddAccountViewModel::FindingId).toString() + u':' +
+                      findings->value(row, AddAccountViewModel::Severity).toString());
     }
     return result;
 }
@@ -165,14 +165,15 @@ void TestViewModels::findings() {
 void TestViewModels::findingsFollowEdits() {
     Fixture f;
     AddAccountViewModel vm(f.store(), f.platform());
-    QSignalSpy changed(&vm, &AddAccountViewModel::findingsChanged);
+    QAbstractItemModelTester tester(vm.findings(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QSignalSpy resets(vm.findings(), &QAbstractItemModel::modelReset);
     vm.setKeyID(u"abc"_s);
     QCOMPARE(findingsText(vm.findings()), QStringList{u"keyID.format:blocking"_s});
-    QCOMPARE(vm.findings().first().toMap().value(u"message"_s).toString(),
+    QCOMPARE(vm.findings()->value(0, AddAccountViewModel::Message).toString(),
              u"Die Key-ID besteht bei Apple aus zehn Zeichen (Großbuchstaben und Ziffern)."_s);
     vm.setKeyID(u"ABCDE12345"_s);
-    QCOMPARE(vm.findings(), QVariantList());
-    QCOMPARE(changed.count(), 2);
+    QCOMPARE(vm.findings()->count(), 0);
+    QCOMPARE(resets.count(), 0);
 }
 
 void TestViewModels::loadPrivateKey_data() {
