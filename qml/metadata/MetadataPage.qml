@@ -138,13 +138,22 @@ Item {
             SplitView.minimumWidth: 200
             spacing: 6
 
-            Label {
+            RowLayout {
                 Layout.fillWidth: true
                 Layout.leftMargin: 6
-                visible: text !== ""
-                text: page.model.loadError
-                color: Theme.negative
-                wrapMode: Text.WordWrap
+                visible: page.model.loadError !== ""
+                Label {
+                    Layout.fillWidth: true
+                    text: page.model.loadError
+                    color: Theme.negative
+                    wrapMode: Text.WordWrap
+                }
+                Button {
+                    objectName: "retryStoreTextsButton"
+                    text: "Erneut versuchen"
+                    enabled: !page.model.isLoading
+                    onClicked: page.model.reload()
+                }
             }
             Label {
                 Layout.fillWidth: true

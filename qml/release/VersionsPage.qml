@@ -22,7 +22,7 @@ ColumnLayout {
         }
         Button {
             objectName: "retryVersionsButton"
-            text: page.model.retryLabel
+            text: "Erneut versuchen"
             enabled: !page.model.isLoading
             onClicked: page.model.retry()
         }

@@ -246,7 +246,7 @@ QCoro::Task<bool> MetadataViewModel::loadLatest(bool forceRefresh) {
             co_return false;
         }
         // A failed load leaves the languages that were already shown.
-        run.fail(error);
+        run.fail(u"Die Store-Texte konnten nicht geladen werden"_s, error);
     }
     publish();
     co_return true;

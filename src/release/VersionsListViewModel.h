@@ -19,7 +19,6 @@ class VersionsListViewModel : public QObject {
     Q_PROPERTY(RowListModel* versions READ versions CONSTANT)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY isEmptyChanged)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    Q_PROPERTY(QString retryLabel READ retryLabel CONSTANT)
 public:
     // The roles of `versions`, in this order.
     enum Column {
@@ -40,7 +39,6 @@ public:
     RowListModel* versions() const { return m_rows; }
     bool isEmpty() const;
     QString emptyText() const;
-    QString retryLabel() const { return QStringLiteral("Erneut versuchen"); }
 
     QCoro::Task<> load(bool forceRefresh);
     Q_INVOKABLE void startLoad(bool forceRefresh);

@@ -139,24 +139,31 @@ private Q_SLOTS:
     }
 
     // A failed load says what failed with Apple's words, and offers to try again.
+    void aFailedSectionOffersToTryAgain_data() {
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("retryButton");
+        QTest::addColumn<QString>("leadIn");
+        QTest::newRow("versions") << u"releases"_s << u"retryVersionsButton"_s
+                                  << u"Versionen konnten nicht geladen werden (HTTP 404): "_s;
+        QTest::newRow("store texts") << u"appStoreOptimization"_s << u"retryStoreTextsButton"_s
+                                     << u"Die Store-Texte konnten nicht geladen werden (HTTP 404): "_s;
+    }
+
     void aFailedSectionOffersToTryAgain() {
+        QFETCH(QString, section);
+        QFETCH(QString, retryButton);
+        QFETCH(QString, leadIn);
         startWithTwoLanguages({FakeTransport::Answer::json(
             404,
             R"({"errors":[{"status":"404","code":"NOT_FOUND","title":"Nicht gefunden","detail":"Die App fehlt."}]})")});
         QQuickWindow* main = mainWindow();
         QVERIFY(clickRow(main, u"allAppsList"_s, 0));
-        QVERIFY(clickNamed(main, u"section_releases"_s));
-        QVERIFY(findItem(main, u"retryVersionsButton"_s));
-        auto* versions =
-            qobject_cast<VersionsListViewModel*>(m_shell->workspace()->sections()->sectionModel());
-        QVERIFY(versions);
-        QVERIFY2(
-            versions->errorMessage().startsWith(u"Versionen konnten nicht geladen werden (HTTP 404): "_s),
-            qPrintable(versions->errorMessage()));
-        shoot(main, u"versions-error"_s);
-        QVERIFY(clickNamed(main, u"retryVersionsButton"_s));
-        QTRY_COMPARE(versions->versions()->count(), 1);
-        QCOMPARE(versions->errorMessage(), QString());
+        QVERIFY(clickNamed(main, u"section_"_s + section));
+        QVERIFY(findItem(main, retryButton));
+        QVERIFY(findText(main, leadIn + u"Die App fehlt."_s));
+        shoot(main, u"error-"_s + section);
+        QVERIFY(clickNamed(main, retryButton));
+        QTRY_VERIFY(!shownItem(main, retryButton));
     }
 
     // Removing a language asks first, in whichever window it was asked for: the second window
