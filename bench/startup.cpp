@@ -83,9 +83,8 @@ int child(int argc, char** argv, const QString& mode, const QString& dataDir) {
     std::unique_ptr<UiShell> shell;
     QQuickWindow* window = nullptr;
     if (mode == u"empty"_s) {
-        const QByteArray extra = qgetenv("BENCH_EMPTY_EXTRA");
-        engine.loadData("import QtQuick\nimport QtQuick.Controls\n" + extra +
-                        "\nApplicationWindow { width: 1180; height: 740; visible: true }");
+        engine.loadData("import QtQuick\nimport QtQuick.Controls\n"
+                        "ApplicationWindow { width: 1180; height: 740; visible: true }");
         window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     } else {
         state = std::make_unique<AppState>(offlinePlatform(dataDir),

@@ -120,11 +120,8 @@ QQuickWindow* UiShell::window(const QString& objectName) const {
     return main->findChild<QQuickWindow*>(objectName);
 }
 
-QString UiShell::shortcutText(const QVariant& sequence) const {
-    if (sequence.typeId() == QMetaType::Int) {
-        return QKeySequence(QKeySequence::StandardKey(sequence.toInt())).toString(QKeySequence::NativeText);
-    }
-    return QKeySequence(sequence.toString()).toString(QKeySequence::NativeText);
+QString UiShell::shortcutText(const QString& sequence) const {
+    return QKeySequence(sequence).toString(QKeySequence::NativeText);
 }
 
 void UiShell::openAppWindow(const QString& appID) {

@@ -73,7 +73,7 @@ public:
     // Asks the main window to show its settings (from screens that are not the menu).
     Q_INVOKABLE void requestSettings() { Q_EMIT settingsRequested(); }
     // A key combination as the platform writes it in menus ("Strg+," in German).
-    Q_INVOKABLE QString shortcutText(const QVariant& sequence) const;
+    Q_INVOKABLE QString shortcutText(const QString& sequence) const;
     // A window for one app, with a section of its own.
     Q_INVOKABLE void openAppWindow(const QString& appID);
     // Deep links and other messages from a second start.

@@ -42,6 +42,8 @@ VersionsListViewModel::VersionsListViewModel(AppState& state, ManagedApp app, QO
                                "buildText", "detailText", "accessibleName"},
                               this)) {
     connect(m_loading, &ModelOperation::busyChanged, this, &VersionsListViewModel::isLoadingChanged);
+    // "Empty" waits for the load to finish.
+    connect(m_loading, &ModelOperation::busyChanged, this, &VersionsListViewModel::isEmptyChanged);
     connect(m_loading, &ModelOperation::errorChanged, this, &VersionsListViewModel::errorMessageChanged);
     connect(m_rows, &RowListModel::countChanged, this, &VersionsListViewModel::isEmptyChanged);
 }

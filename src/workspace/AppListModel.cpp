@@ -12,7 +12,8 @@ AppListModel::AppListModel(AppState& state, Kind kind, QObject* parent)
     : RowListModel({"appId", "name", "bundleID", "accountName", "subtitle", "isFavorite", "isSelected",
                     "accessibleName"},
                    parent),
-      m_state(state), m_kind(kind) {
+      m_state(state), m_kind(kind), m_collator(QLocale(QLocale::German, QLocale::Germany)) {
+    m_collator.setCaseSensitivity(Qt::CaseInsensitive);
     connect(&state, &AppState::appsChanged, this, &AppListModel::refresh);
     connect(&state, &AppState::selectedAppChanged, this, &AppListModel::refresh);
     connect(&state.preferences(), &AppPreferencesStore::changed, this, &AppListModel::refresh);
@@ -77,13 +78,9 @@ QList<RowListModel::Row> AppListModel::computeRows() const {
                 apps.append(&app);
             }
         }
-        {
-            QCollator collator(QLocale(QLocale::German, QLocale::Germany));
-            collator.setCaseSensitivity(Qt::CaseInsensitive);
-            std::stable_sort(apps.begin(), apps.end(), [&collator](const ManagedApp* a, const ManagedApp* b) {
-                return collator.compare(a->name, b->name) < 0;
-            });
-        }
+        std::stable_sort(apps.begin(), apps.end(), [this](const ManagedApp* a, const ManagedApp* b) {
+            return m_collator.compare(a->name, b->name) < 0;
+        });
         break;
     case Kind::Recent: {
         // Newest first, as used; an id whose app is not in the list (another account) is skipped.

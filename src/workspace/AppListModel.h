@@ -2,6 +2,8 @@
 
 #include "api/RowListModel.h"
 
+#include <QCollator>
+
 class AppState;
 
 // One of the three lists of the sidebar: favourites, recently used apps, or all apps, each
@@ -44,4 +46,6 @@ private:
     bool m_frozen = false;
     bool m_stale = false;
     QList<const AppListModel*> m_above;
+    // Made once: every refresh sorts, and a refresh comes with every key typed into the filter.
+    QCollator m_collator;
 };

@@ -6,8 +6,6 @@
 #include "workspace/AppState.h"
 #include "workspace/SectionHost.h"
 
-#include <QPointer>
-
 using namespace Qt::StringLiterals;
 
 WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& registry,

@@ -25,10 +25,10 @@ Q_DECLARE_METATYPE(const QMetaObject*)
 using namespace Qt::StringLiterals;
 
 namespace {
-QList<RowListModel::Row> rowsOf(const QString& spec) {
+QList<RowListModel::Row> rowsOf(const QString& text) {
     // "a1 b1 c2": key a with value 1, …
     QList<RowListModel::Row> rows;
-    for (const QString& entry : spec.split(u' ', Qt::SkipEmptyParts)) {
+    for (const QString& entry : text.split(u' ', Qt::SkipEmptyParts)) {
         rows.append({entry.left(1), entry.mid(1)});
     }
     return rows;

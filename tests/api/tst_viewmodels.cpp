@@ -251,13 +251,10 @@ void TestViewModels::keyFilePath() {
     QCOMPARE(vm.keyFileFolder(), QUrl::fromLocalFile(f.dir.filePath(u"Downloads"_s)));
     qputenv("HOME", home);
 
-    // A typed path with blanks around it, as pasted from a terminal.
+    // Typed paths of every kind are the window test's; here: the same path twice is read once.
     const QString path = f.writeFile(u"AuthKey_ABCDE12345.p8"_s, f.pem);
     QSignalSpy keyChanged(&vm, &AddAccountViewModel::keyFilePathChanged);
-    vm.loadPrivateKey(u"  "_s + path + u"\n"_s);
-    QCOMPARE(vm.errorMessage(), QString());
-    QCOMPARE(vm.keyFilePath(), path);
-    QCOMPARE(vm.keyID(), u"ABCDE12345"_s);
+    vm.loadPrivateKey(path);
     QCOMPARE(keyChanged.count(), 1);
 
     // Leaving the field hands the same path over again; the file is not read a second time.
