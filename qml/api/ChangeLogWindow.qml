@@ -18,12 +18,8 @@ Window {
     visible: false
     color: palette.window
 
-    function open() {
-        Shell.changeLog.refresh()
-        show()
-        raise()
-        requestActivate()
-    }
+    // The log is read afresh each time the window is shown.
+    onVisibleChanged: if (visible) Shell.changeLog.refresh()
 
     // Esc and Ctrl+W close the window, as its own close button does.
     Shortcut {

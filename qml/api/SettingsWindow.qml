@@ -18,12 +18,6 @@ Window {
     visible: false
     color: palette.window
 
-    function open() {
-        show()
-        raise()
-        requestActivate()
-    }
-
     // Esc and Ctrl+W close the window, as its own close button does; an open popup takes Esc first.
     Shortcut {
         sequences: ["Esc", "Ctrl+W"]

@@ -24,7 +24,7 @@ Rectangle {
             Layout.margins: 8
             active: Shell.workspace.hasAccount && pane.settled
             visible: Shell.workspace.hasAccount
-            sourceComponent: AccountSwitcher {}
+            source: "AccountSwitcher.qml"
         }
 
         Loader {

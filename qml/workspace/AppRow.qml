@@ -35,25 +35,27 @@ Rectangle {
         onClicked: Shell.workspace.selectApp(row.appId)
     }
 
-    Column {
+    Text {
+        id: title
         anchors.left: parent.left
         anchors.right: star.left
         anchors.leftMargin: 8
-        anchors.verticalCenter: parent.verticalCenter
-        Text {
-            width: parent.width
-            text: row.name
-            color: row.isSelected ? palette.highlightedText : palette.text
-            elide: Text.ElideRight
-            font.pixelSize: Theme.bodySize
-        }
-        Text {
-            width: parent.width
-            text: row.subtitle
-            color: row.isSelected ? palette.highlightedText : palette.placeholderText
-            elide: Text.ElideRight
-            font.pixelSize: Theme.captionSize
-        }
+        y: 4
+        text: row.name
+        textFormat: Text.PlainText
+        color: row.isSelected ? palette.highlightedText : palette.text
+        elide: Text.ElideRight
+        font.pixelSize: Theme.bodySize
+    }
+    Text {
+        anchors.left: title.left
+        anchors.right: title.right
+        anchors.top: title.bottom
+        text: row.subtitle
+        textFormat: Text.PlainText
+        color: row.isSelected ? palette.highlightedText : palette.placeholderText
+        elide: Text.ElideRight
+        font.pixelSize: Theme.captionSize
     }
 
     Text {
@@ -62,6 +64,7 @@ Rectangle {
         anchors.rightMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         text: row.isFavorite ? "★" : "☆"
+        textFormat: Text.PlainText
         color: row.isSelected ? palette.highlightedText : palette.text
         font.pixelSize: Theme.symbolSize
         Accessible.role: Accessible.Button

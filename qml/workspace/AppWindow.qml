@@ -32,7 +32,6 @@ ApplicationWindow {
             Layout.preferredWidth: 210
             Layout.fillHeight: true
             host: window.model.sections
-            onSectionChosen: position => window.model.goToSection(position)
         }
         ToolSeparator {
             Layout.fillHeight: true

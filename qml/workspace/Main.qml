@@ -2,7 +2,6 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Varnis.App
-import Varnis.Api
 
 ApplicationWindow {
     id: root
@@ -15,13 +14,14 @@ ApplicationWindow {
     title: Shell.workspace.windowTitle
 
     // The extra windows and sheets are made the first time they are needed, not at start-up.
-    function openSettings() {
-        settingsLoader.active = true;
-        (settingsLoader.item as SettingsWindow).open();
-    }
-    function openChangeLog() {
-        changeLogLoader.active = true;
-        (changeLogLoader.item as ChangeLogWindow).open();
+    // Everything that is not in the first frame is named by address and used as a plain Window,
+    // so that not even its file is read before it is needed.
+    function showWindow(loader: Loader) {
+        loader.active = true
+        const window = loader.item as Window
+        window.show()
+        window.raise()
+        window.requestActivate()
     }
 
     // True from the first frame on. The first frame shows the apps and little else; the menus
@@ -29,23 +29,19 @@ ApplicationWindow {
     // anybody can reach for them.
     property bool settled: false
 
-    menuBar: menuLoader.item as MainMenuBar
+    menuBar: menuLoader.item as MenuBar
 
     Loader {
         id: menuLoader
         active: root.settled
         source: "MainMenuBar.qml"
-        onLoaded: {
-            const bar = menuLoader.item as MainMenuBar
-            bar.settingsRequested.connect(root.openSettings)
-            bar.changeLogRequested.connect(root.openChangeLog)
-        }
     }
 
-    // The empty state's "Account hinzufügen …" opens the settings of this window.
+    // The menu and the empty state's "Account hinzufügen …" ask for these windows.
     Connections {
         target: Shell
-        function onSettingsRequested() { root.openSettings() }
+        function onSettingsRequested() { root.showWindow(settingsLoader) }
+        function onChangeLogRequested() { root.showWindow(changeLogLoader) }
     }
 
     Connections {
@@ -111,10 +107,7 @@ ApplicationWindow {
             Layout.fillHeight: true
             active: Shell.workspace.hasSelectedApp
             visible: active
-            sourceComponent: SectionSidebar {
-                host: Shell.workspace.sections
-                onSectionChosen: position => Shell.workspace.goToSection(position)
-            }
+            Component.onCompleted: setSource("SectionSidebar.qml", { "host": Shell.workspace.sections })
         }
         Rectangle {
             Layout.fillHeight: true
@@ -127,21 +120,19 @@ ApplicationWindow {
             Layout.fillWidth: true
             Layout.fillHeight: true
             active: root.settled
-            sourceComponent: SectionContent {
-                host: Shell.workspace.sections
-            }
+            Component.onCompleted: setSource("SectionContent.qml", { "host": Shell.workspace.sections })
         }
     }
 
     Loader {
         anchors.fill: parent
         active: Shell.workspace.showsEmptyState
-        sourceComponent: EmptyStatePage {}
+        source: "EmptyStatePage.qml"
     }
 
     footer: Loader {
         active: Shell.taskList.count > 0
-        sourceComponent: TaskCenterBar {}
+        source: "qrc:/qt/qml/Varnis/Api/TaskCenterBar.qml"
     }
 
     // By address rather than by type, so that not even their files are read before they are needed.

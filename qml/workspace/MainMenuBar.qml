@@ -7,8 +7,6 @@ import Varnis.App
 // The menus of the main window with their shortcuts.
 MenuBar {
     id: bar
-    signal settingsRequested
-    signal changeLogRequested
 
     Menu {
         title: "&Varnis"
@@ -17,12 +15,12 @@ MenuBar {
         Action {
             text: "Einstellungen …"
             shortcut: "Ctrl+,"
-            onTriggered: bar.settingsRequested()
+            onTriggered: Shell.requestSettings()
         }
         Action {
             text: "Änderungsprotokoll"
             shortcut: "Ctrl+Shift+L"
-            onTriggered: bar.changeLogRequested()
+            onTriggered: Shell.requestChangeLog()
         }
         MenuSeparator {}
         Action {

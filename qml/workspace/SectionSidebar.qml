@@ -8,8 +8,6 @@ import Varnis.App
 Pane {
     id: sidebar
     required property SectionHost host
-    // The position in the order the sidebar shows, which is the order Ctrl+1…9 count.
-    signal sectionChosen(int position)
     padding: 0
 
     ListView {
@@ -24,8 +22,8 @@ Pane {
         Accessible.name: "Bereiche"
         Accessible.role: Accessible.List
 
-        Keys.onReturnPressed: if (currentIndex >= 0) sidebar.sectionChosen(currentIndex)
-        Keys.onSpacePressed: if (currentIndex >= 0) sidebar.sectionChosen(currentIndex)
+        Keys.onReturnPressed: sidebar.host.choose(currentIndex)
+        Keys.onSpacePressed: sidebar.host.choose(currentIndex)
 
         delegate: Column {
             id: entry
@@ -60,7 +58,7 @@ Pane {
                 Accessible.name: entry.accessibleName
                 onClicked: {
                     entry.ListView.view.currentIndex = entry.index
-                    sidebar.sectionChosen(entry.index)
+                    sidebar.host.choose(entry.index)
                 }
                 // The keyboard's place in the list, visible while the list has the focus.
                 Rectangle {

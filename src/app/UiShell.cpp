@@ -14,6 +14,7 @@
 #include "workspace/BackgroundSettingsViewModel.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QKeySequence>
@@ -21,6 +22,8 @@
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QQuickWindow>
+#include <QThreadPool>
+#include <QTimer>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -71,6 +74,9 @@ UiShell::~UiShell() {
 bool UiShell::load() {
     // The screens are modules compiled into the program, under the import path of Qt's own.
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    // Reading the system's fonts takes as long as loading the screens, and the first text waits
+    // for it; on a second core both are done at once. The font database is thread-safe.
+    QThreadPool::globalInstance()->start([] { QFontDatabase::families(); });
     m_engine.load(QUrl(u"qrc:/qt/qml/Varnis/Workspace/Main.qml"_s));
     return mainWindow() != nullptr;
 }
@@ -92,16 +98,21 @@ void UiShell::start() {
     auto connection = std::make_shared<QMetaObject::Connection>();
     *connection = connect(window, &QQuickWindow::frameSwapped, this, [this, connection] {
         disconnect(*connection);
-        // The icon of every window, and of the task bar entry where the desktop does not find the
-        // installed one; drawn from its SVG after the first frame rather than before it.
-        if (QGuiApplication::windowIcon().isNull()) {
-            QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
-        }
-        // Restoring the last app may be loading the list already.
-        if (!m_state.isLoadingApps()) {
-            QCoro::connect(m_state.loadApps(false), this, [] {});
-        }
+        // On the next turn of the event loop: the frame is out, and nothing here holds it up.
+        QTimer::singleShot(0, this, &UiShell::afterFirstFrame);
     });
+}
+
+void UiShell::afterFirstFrame() {
+    // The icon of every window, and of the task bar entry where the desktop does not find the
+    // installed one; drawn from its SVG after the first frame rather than before it.
+    if (QGuiApplication::windowIcon().isNull()) {
+        QGuiApplication::setWindowIcon(QIcon(u":/icons/varnis.svg"_s));
+    }
+    // Restoring the last app may be loading the list already.
+    if (!m_state.isLoadingApps()) {
+        QCoro::connect(m_state.loadApps(false), this, [] {});
+    }
 }
 
 QQuickWindow* UiShell::mainWindow() const {

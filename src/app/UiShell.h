@@ -72,6 +72,7 @@ public:
 
     // Asks the main window to show its settings (from screens that are not the menu).
     Q_INVOKABLE void requestSettings() { Q_EMIT settingsRequested(); }
+    Q_INVOKABLE void requestChangeLog() { Q_EMIT changeLogRequested(); }
     // A key combination as the platform writes it in menus ("Strg+," in German).
     Q_INVOKABLE QString shortcutText(const QString& sequence) const;
     // A window for one app, with a section of its own.
@@ -81,8 +82,11 @@ public:
 
 Q_SIGNALS:
     void settingsRequested();
+    void changeLogRequested();
 
 private:
+    void afterFirstFrame();
+
     AppState& m_state;
     QQmlApplicationEngine& m_engine;
     SectionRegistry m_sections;

@@ -25,6 +25,7 @@ AppWindowViewModel::AppWindowViewModel(AppState& state, const SectionRegistry& r
       m_sections(new SectionHost(state, registry, *m_presenter, this)) {
     state.preferences().setSceneText(u"velmora.window.appID"_s, m_appID);
     state.preferences().setSceneText(u"velmora.window.section"_s, SidebarSections::rawValue(section));
+    connect(m_sections, &SectionHost::chosen, this, &AppWindowViewModel::goToSection);
     m_sections->selectSection(section);
     followApps();
     connect(&state, &AppState::appsChanged, this, &AppWindowViewModel::followApps);

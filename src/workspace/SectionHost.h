@@ -72,12 +72,19 @@ public:
     // Shows this app; another app drops the models of the one before.
     void setApp(std::optional<ManagedApp> app);
     void selectSection(SidebarSection section);
+    // A click or key on the sidebar row at this position; the window decides what it means.
+    Q_INVOKABLE void choose(int position) {
+        if (position >= 0) {
+            Q_EMIT chosen(position);
+        }
+    }
 
     // The fixed order of the sections, in rows for the sidebar and the "Gehe zu" menu.
     static QString shortcutText(int position);
     static QString emptyTextFor(SidebarSection section);
 
 Q_SIGNALS:
+    void chosen(int position);
     void hasAppChanged();
     void selectedSectionChanged();
     void titleChanged();

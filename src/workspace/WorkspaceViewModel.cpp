@@ -45,6 +45,7 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
     connect(&state, &AppState::selectedSectionChanged, this, [this] {
         m_sections->selectSection(m_state.selectedSection().value_or(SidebarSection::Overview));
     });
+    connect(m_sections, &SectionHost::chosen, this, &WorkspaceViewModel::goToSection);
     m_sections->setApp(state.selectedApp());
     m_sections->selectSection(state.selectedSection().value_or(SidebarSection::Overview));
     // The main window opens where it was left: the app and section are written back as they change.
