@@ -8,6 +8,7 @@
 #include "api/TruncationRegistry.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 #include "support/TestServer.h"
 #include "workspace/ManagedApp.h"
@@ -65,7 +66,7 @@ QCoro::Task<qint64> raw(std::shared_ptr<AppStoreConnectClient> client, int count
     for (int i = 0; i < count; ++i) {
         APIRequest request = APIRequest::get(u"/v1/apps"_s);
         request.queryItems = {{u"limit"_s, u"200"_s}, {u"sort"_s, u"name"_s}};
-        auto task = client->sendRawData(request);
+        auto task = client->call(bytesOf(request));
         const QByteArray body = co_await task;
         if (body.isEmpty()) {
             std::fprintf(stderr, "empty reply\n");
@@ -95,7 +96,7 @@ QCoro::Task<qint64> pipeline(std::shared_ptr<AppStoreConnectClient> client, int 
     for (int i = 0; i < count; ++i) {
         APIRequest request = APIRequest::get(u"/v1/apps"_s);
         request.queryItems = {{u"limit"_s, u"200"_s}, {u"sort"_s, u"name"_s}};
-        auto task = client->send<ASCAppAttributes>(request);
+        auto task = client->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(request));
         const auto page = co_await task;
         QList<ManagedApp> mapped;
         mapped.reserve(page.data.size());

@@ -1,5 +1,6 @@
 #include "api/AccountStore.h"
 
+#include "api/AccountEndpoints.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/AuditLog.h"
 #include "api/AuthenticationService.h"
@@ -217,17 +218,13 @@ QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account
 
     std::optional<QString> appID;
     try {
-        APIRequest apps = APIRequest::get(u"/v1/apps"_s);
-        apps.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
-        appID = firstAppID(co_await client->sendRawData(std::move(apps)));
+        appID = firstAppID(co_await client->call(AccountEndpoints::firstApp()));
         caps.canReadApps = true;
     } catch (...) {
     }
 
     try {
-        APIRequest users = APIRequest::get(u"/v1/users"_s);
-        users.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
-        co_await client->sendRawData(std::move(users));
+        co_await client->call(AccountEndpoints::firstUser());
         caps.canReadUsers = true;
     } catch (...) {
     }
@@ -236,9 +233,7 @@ QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account
     // app it saw; without any app there is nothing to measure.
     if (appID) {
         try {
-            APIRequest analytics = APIRequest::get(u"/v1/apps/%1/analyticsReportRequests"_s.arg(*appID));
-            analytics.queryItems.append(QueryItem{u"limit"_s, u"1"_s});
-            co_await client->sendRawData(std::move(analytics));
+            co_await client->call(AccountEndpoints::firstAnalyticsReportRequest(*appID));
             caps.canReadAnalytics = true;
         } catch (...) {
         }
@@ -247,16 +242,7 @@ QCoro::Task<AccountCapabilities> AccountStore::probeCapabilities(Account account
     if (account.hasUsableVendorNumber()) {
         try {
             const QDate day = caps.checkedAt.toUTC().addSecs(-172800).date();
-            APIRequest sales = APIRequest::get(u"/v1/salesReports"_s);
-            sales.queryItems = {
-                {u"filter[frequency]"_s, u"DAILY"_s},
-                {u"filter[reportType]"_s, u"SALES"_s},
-                {u"filter[reportSubType]"_s, u"SUMMARY"_s},
-                {u"filter[vendorNumber]"_s, account.vendorNumber->trimmed()},
-                {u"filter[reportDate]"_s, day.toString(u"yyyy-MM-dd"_s)},
-                {u"filter[version]"_s, u"1_1"_s},
-            };
-            co_await client->sendRawData(std::move(sales));
+            co_await client->call(AccountEndpoints::dailySalesSummary(account.vendorNumber->trimmed(), day));
             caps.canReadSalesReports = true;
         } catch (...) {
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "api/Endpoint.h"
+#include "platform/HttpTransport.h"
 #include "wire/APIRequest.h"
 #include "wire/ASCUploadOperation.h"
 #include "wire/JSONAPI.h"
@@ -9,6 +11,7 @@
 #include <QUrl>
 
 #include <memory>
+#include <type_traits>
 
 class AuditLog;
 class AuthenticationService;
@@ -17,11 +20,6 @@ class HttpTransport;
 class RateLimitGovernor;
 class RequestCoalescer;
 class TruncationRegistry;
-
-template <class T> struct PagedResult {
-    QList<T> items;
-    bool truncated = false;
-};
 
 // The only object that talks to the API. It is cheap and made per use; what must outlive it
 // (governor, truncation registry, audit log) is handed in. Always held by shared_ptr, so that a
@@ -43,49 +41,20 @@ public:
     static std::shared_ptr<AppStoreConnectClient> create(Parts parts);
     ~AppStoreConnectClient();
 
-    QCoro::Task<QByteArray> sendRawData(APIRequest request);
-    QCoro::Task<> sendVoid(APIRequest request);
-
-    // `T::fromJson(const JsonReader&)` on the whole document.
-    template <class T> QCoro::Task<T> sendDecodable(APIRequest request) {
+    // Sends an endpoint's request and decodes its answer as the endpoint's type says. Identical
+    // GETs in flight share one network call; every page of a list is fetched in turn.
+    template <class A> QCoro::Task<typename A::Value> call(Endpoint<A> endpoint) {
         auto self = shared_from_this();
-        const QByteArray body = co_await self->fetch(std::move(request));
-        co_return decoded([&] { return T::fromJson(JSONAPIDecode::documentRoot(body)); });
-    }
-
-    template <class A> QCoro::Task<APIResponse<QList<JSONAPIResource<A>>>> send(APIRequest request) {
-        return sendResources<JSONAPIResource<A>>(std::move(request));
-    }
-    template <class A> QCoro::Task<JSONAPIResource<A>> sendSingle(APIRequest request) {
-        return sendSingleResource<JSONAPIResource<A>>(std::move(request));
-    }
-    template <class A> QCoro::Task<std::optional<JSONAPIResource<A>>> sendSingleOptional(APIRequest request) {
-        auto self = shared_from_this();
-        const QByteArray body = co_await self->fetch(std::move(request));
-        co_return decoded([&] { return JSONAPIDecode::singleOptional<JSONAPIResource<A>>(body); });
-    }
-
-    // A domain resource type `T` with `static T fromJson(const JsonReader&)`.
-    template <class T> QCoro::Task<APIResponse<QList<T>>> sendResources(APIRequest request) {
-        auto self = shared_from_this();
-        const QByteArray body = co_await self->fetch(std::move(request));
-        co_return decoded([&] { return JSONAPIDecode::list<T>(body); });
-    }
-    template <class T> QCoro::Task<T> sendSingleResource(APIRequest request) {
-        auto self = shared_from_this();
-        const QByteArray body = co_await self->fetch(std::move(request));
-        co_return decoded([&] { return JSONAPIDecode::single<T>(body); });
-    }
-
-    // Every page, one after the other, up to `maxPages`; `truncated` says whether it stopped early.
-    template <class A>
-    QCoro::Task<PagedResult<JSONAPIResource<A>>> sendPagedResult(APIRequest request, int maxPages) {
-        return paged<JSONAPIResource<A>>(std::move(request), maxPages, true);
-    }
-    template <class T> QCoro::Task<QList<T>> sendPagedResources(APIRequest request, int maxPages) {
-        auto self = shared_from_this();
-        auto result = co_await self->paged<T>(std::move(request), maxPages, false);
-        co_return std::move(result.items);
+        if constexpr (EndpointReturns::isAllPages<A>) {
+            co_return co_await self->paged(std::move(endpoint));
+        } else {
+            const QByteArray body = co_await self->fetch(std::move(endpoint.request));
+            if constexpr (std::is_void_v<typename A::Value>) {
+                co_return;
+            } else {
+                co_return decoded([&] { return EndpointReturns::Decoder<A>::decode(body); });
+            }
+        }
     }
 
     // GET /v1/apps with limit 1; raises on failure.
@@ -105,10 +74,9 @@ private:
     // Coalesced for GET, direct for writes; returns the body of a 2xx answer.
     QCoro::Task<QByteArray> fetch(APIRequest request);
     QCoro::Task<QByteArray> execute(APIRequest request);
-    struct BuiltRequest;
-    BuiltRequest buildRequest(const APIRequest& request) const;
+    HttpRequest buildRequest(const APIRequest& request) const;
 
-    void pageListComplete(const QString& path, bool removeFromRegistry);
+    void pageListComplete(const QString& path);
     void pageListTruncated(const QString& path, int pages);
 
     template <class F> static auto decoded(F&& decode) -> decltype(decode()) {
@@ -119,27 +87,29 @@ private:
         }
     }
 
-    template <class T>
-    QCoro::Task<PagedResult<T>> paged(APIRequest request, int maxPages, bool removeWhenComplete) {
+    template <class Attributes>
+    QCoro::Task<PagedResult<JSONAPIResource<Attributes>>>
+    paged(Endpoint<Returns::AllPages<Attributes>> endpoint) {
         auto self = shared_from_this();
-        maxPages = std::max(1, maxPages);
-        PagedResult<T> result;
-        APIRequest current = request;
+        const int maxPages = std::max(1, endpoint.maxPages);
+        const APIRequest& first = endpoint.request;
+        PagedResult<JSONAPIResource<Attributes>> result;
+        APIRequest current = first;
         for (int pageIndex = 0;; ++pageIndex) {
             const QByteArray body = co_await self->fetch(current);
-            auto page = decoded([&] { return JSONAPIDecode::list<T>(body); });
+            auto page = decoded([&] { return JSONAPIDecode::list<JSONAPIResource<Attributes>>(body); });
             result.items.append(std::move(page.data));
             if (!page.links || !page.links->next) {
-                self->pageListComplete(request.path, removeWhenComplete);
+                self->pageListComplete(first.path);
                 co_return result;
             }
             if (pageIndex == maxPages - 1) {
-                self->pageListTruncated(request.path, pageIndex + 1);
+                self->pageListTruncated(first.path, pageIndex + 1);
                 result.truncated = true;
                 co_return result;
             }
             APIRequest next = APIRequest::get(*page.links->next);
-            next.priority = request.priority;
+            next.priority = first.priority;
             current = std::move(next);
         }
     }

@@ -1,16 +1,12 @@
 #include "metadata/LocalizationsService.h"
 
 #include "api/AppStoreConnectClient.h"
+#include "metadata/MetadataEndpoints.h"
 #include "platform/Clock.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// The app info is only asked for its id.
-struct NoAttributes {
-    static NoAttributes fromJson(const JsonReader&) { return {}; }
-};
 
 QString describe(const std::exception_ptr& error) {
     try {
@@ -22,16 +18,6 @@ QString describe(const std::exception_ptr& error) {
     return u"Unerwarteter Fehler."_s;
 }
 
-APIRequest listRequest(QString path) {
-    return APIRequest::get(std::move(path), {{u"limit"_s, QString::number(LocalizationsService::pageLimit)}});
-}
-
-APIRequest deleteRequest(QString path) {
-    APIRequest request = APIRequest::get(std::move(path));
-    request.method = APIRequest::Method::Delete;
-    return request;
-}
-
 // Free of the service, so that a fetch still running when its sibling failed touches nothing
 // but its own frame.
 QCoro::Task<QList<AppInfoLocalizationResource>>
@@ -39,9 +25,8 @@ fetchAppInfoSide(std::optional<QString> appInfoID, std::shared_ptr<AppStoreConne
     if (!appInfoID) {
         co_return {};
     }
-    APIRequest request = listRequest(u"/v1/appInfos/"_s + *appInfoID + u"/appInfoLocalizations"_s);
-    auto result = co_await client->sendPagedResult<ASCAppInfoLocalizationAttributes>(
-        std::move(request), LocalizationsService::maxPages);
+    auto result = co_await client->call(MetadataEndpoints::appInfoLocalizations(
+        *appInfoID, LocalizationsService::pageLimit, LocalizationsService::maxPages));
     co_return std::move(result.items);
 }
 
@@ -50,10 +35,8 @@ fetchVersionSide(std::optional<QString> versionID, std::shared_ptr<AppStoreConne
     if (!versionID) {
         co_return {};
     }
-    APIRequest request =
-        listRequest(u"/v1/appStoreVersions/"_s + *versionID + u"/appStoreVersionLocalizations"_s);
-    auto result = co_await client->sendPagedResult<ASCAppStoreVersionLocalizationAttributes>(
-        std::move(request), LocalizationsService::maxPages);
+    auto result = co_await client->call(MetadataEndpoints::versionLocalizations(
+        *versionID, LocalizationsService::pageLimit, LocalizationsService::maxPages));
     co_return std::move(result.items);
 }
 
@@ -64,7 +47,8 @@ LocalizationWriteError::LocalizationWriteError(LocalizationSide failedSide, Loca
     : m_failedSide(failedSide), m_completed(completed), m_cause(std::move(cause)),
       m_description(describe(m_cause)) {}
 
-LocalizationsService::LocalizationsService(std::shared_ptr<Clock> clock) : m_clock(std::move(clock)) {}
+LocalizationsService::LocalizationsService(std::shared_ptr<Clock> clock)
+    : m_cache(std::move(clock), cacheTTL) {}
 
 QString LocalizationsService::cacheKey(const std::optional<QString>& appInfoID,
                                        const std::optional<QString>& versionID) {
@@ -73,8 +57,7 @@ QString LocalizationsService::cacheKey(const std::optional<QString>& appInfoID,
 
 QCoro::Task<std::optional<QString>>
 LocalizationsService::appInfoID(QString appID, std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request = APIRequest::get(u"/v1/apps/"_s + appID + u"/appInfos"_s, {{u"limit"_s, u"1"_s}});
-    const auto page = co_await client->send<NoAttributes>(std::move(request));
+    const auto page = co_await client->call(MetadataEndpoints::firstAppInfo(appID));
     if (page.data.isEmpty()) {
         co_return std::nullopt;
     }
@@ -88,11 +71,8 @@ LocalizationsService::localizations(QString appID, std::optional<QString> appInf
     Q_UNUSED(appID);
     const QString key = cacheKey(appInfoID, versionID);
     if (!forceRefresh) {
-        if (auto it = m_cache.constFind(key); it != m_cache.cend()) {
-            const double age = double(it->fetchedAt.msecsTo(m_clock->now())) / 1000.0;
-            if (age < cacheTTL) {
-                co_return it->localizations;
-            }
+        if (auto cached = m_cache.fresh(key)) {
+            co_return *cached;
         }
     }
     // Both requests are under way before either is awaited.
@@ -117,15 +97,13 @@ LocalizationsService::localizations(QString appID, std::optional<QString> appInf
         std::rethrow_exception(failure);
     }
     QList<ManagedLocalization> merged = mergeLocalizations(appInfoSide, versionSide);
-    m_cache.insert(key, Entry{merged, m_clock->now()});
+    m_cache.insert(key, merged);
     co_return merged;
 }
 
 QCoro::Task<> LocalizationsService::updateAppInfoLocalization(AppInfoLocalizationUpdateRequestBody body,
                                                               std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request = APIRequest::withBody(APIRequest::Method::Patch,
-                                              u"/v1/appInfoLocalizations/"_s + body.id, body.toBytes());
-    co_await client->sendVoid(std::move(request));
+    co_await client->call(MetadataEndpoints::updateAppInfoLocalization(body));
     // Whatever was cached may now be older than Apple's state.
     m_cache.clear();
 }
@@ -133,9 +111,7 @@ QCoro::Task<> LocalizationsService::updateAppInfoLocalization(AppInfoLocalizatio
 QCoro::Task<>
 LocalizationsService::updateVersionLocalization(AppStoreVersionLocalizationUpdateRequestBody body,
                                                 std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request = APIRequest::withBody(
-        APIRequest::Method::Patch, u"/v1/appStoreVersionLocalizations/"_s + body.id, body.toBytes());
-    co_await client->sendVoid(std::move(request));
+    co_await client->call(MetadataEndpoints::updateVersionLocalization(body));
     m_cache.clear();
 }
 
@@ -176,10 +152,8 @@ QCoro::Task<ManagedLocalization> LocalizationsService::createLocalization(
     std::optional<VersionLocalizationResource> versionSide;
     if (appInfoID) {
         const auto body = AppInfoLocalizationCreateRequestBody::make(*appInfoID, locale, seed);
-        APIRequest request =
-            APIRequest::withBody(APIRequest::Method::Post, u"/v1/appInfoLocalizations"_s, body.toBytes());
         try {
-            appInfoSide = co_await client->sendSingle<ASCAppInfoLocalizationAttributes>(std::move(request));
+            appInfoSide = co_await client->call(MetadataEndpoints::createAppInfoLocalization(body));
         } catch (...) {
             throw LocalizationWriteError(LocalizationSide::AppInfo, created, std::current_exception());
         }
@@ -188,11 +162,8 @@ QCoro::Task<ManagedLocalization> LocalizationsService::createLocalization(
     }
     if (versionID) {
         const auto body = AppStoreVersionLocalizationCreateRequestBody::make(*versionID, locale, seed);
-        APIRequest request = APIRequest::withBody(APIRequest::Method::Post,
-                                                  u"/v1/appStoreVersionLocalizations"_s, body.toBytes());
         try {
-            versionSide =
-                co_await client->sendSingle<ASCAppStoreVersionLocalizationAttributes>(std::move(request));
+            versionSide = co_await client->call(MetadataEndpoints::createVersionLocalization(body));
         } catch (...) {
             throw LocalizationWriteError(LocalizationSide::Version, created, std::current_exception());
         }
@@ -210,10 +181,9 @@ QCoro::Task<> LocalizationsService::deleteLocalization(ManagedLocalization local
                                                        std::shared_ptr<AppStoreConnectClient> client) {
     LocalizationSides deleted;
     if (localization.versionLocalizationID) {
-        APIRequest request =
-            deleteRequest(u"/v1/appStoreVersionLocalizations/"_s + *localization.versionLocalizationID);
         try {
-            co_await client->sendVoid(std::move(request));
+            co_await client->call(
+                MetadataEndpoints::deleteVersionLocalization(*localization.versionLocalizationID));
         } catch (...) {
             throw LocalizationWriteError(LocalizationSide::Version, deleted, std::current_exception());
         }
@@ -221,10 +191,9 @@ QCoro::Task<> LocalizationsService::deleteLocalization(ManagedLocalization local
         m_cache.clear();
     }
     if (localization.appInfoLocalizationID) {
-        APIRequest request =
-            deleteRequest(u"/v1/appInfoLocalizations/"_s + *localization.appInfoLocalizationID);
         try {
-            co_await client->sendVoid(std::move(request));
+            co_await client->call(
+                MetadataEndpoints::deleteAppInfoLocalization(*localization.appInfoLocalizationID));
         } catch (...) {
             throw LocalizationWriteError(LocalizationSide::AppInfo, deleted, std::current_exception());
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "api/TimedCache.h"
 #include "metadata/LocalizationRequestBodies.h"
 #include "metadata/ManagedLocalization.h"
 #include "platform/VarnisError.h"
@@ -51,7 +52,7 @@ private:
 // version localizations, merged by locale, with a short in-memory cache per pair of ids.
 class LocalizationsService {
 public:
-    static constexpr double cacheTTL = 60;
+    static constexpr int cacheTTL = 60;
     static constexpr int pageLimit = 50;
     static constexpr int maxPages = 10;
 
@@ -98,10 +99,5 @@ public:
     static QString cacheKey(const std::optional<QString>& appInfoID, const std::optional<QString>& versionID);
 
 private:
-    struct Entry {
-        QList<ManagedLocalization> localizations;
-        QDateTime fetchedAt;
-    };
-    std::shared_ptr<Clock> m_clock;
-    QHash<QString, Entry> m_cache;
+    TimedCache<QList<ManagedLocalization>> m_cache;
 };

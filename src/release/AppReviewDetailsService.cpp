@@ -1,7 +1,7 @@
 #include "release/AppReviewDetailsService.h"
 
 #include "api/AppStoreConnectClient.h"
-#include "release/ReleaseRequestBodies.h"
+#include "release/ReleaseEndpoints.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -9,13 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
-using Method = APIRequest::Method;
-
 QCoro::Task<ManagedAppReviewDetail>
 AppReviewDetailsService::reviewDetail(QString versionID, std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request = APIRequest::get(u"/v1/appStoreVersions/"_s + versionID + u"/appStoreReviewDetail"_s);
-    const auto resource =
-        co_await client->sendSingleOptional<ASCAppStoreReviewDetailAttributes>(std::move(request));
+    const auto resource = co_await client->call(ReleaseEndpoints::reviewDetailOfVersion(versionID));
     if (!resource) {
         co_return ManagedAppReviewDetail{};
     }
@@ -25,25 +21,18 @@ AppReviewDetailsService::reviewDetail(QString versionID, std::shared_ptr<AppStor
 QCoro::Task<ManagedAppReviewDetail>
 AppReviewDetailsService::save(ManagedAppReviewDetail detail, QString versionID,
                               std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request;
-    if (detail.id) {
-        const AppStoreReviewDetailUpdateRequestBody body{*detail.id, detail};
-        request =
-            APIRequest::withBody(Method::Patch, u"/v1/appStoreReviewDetails/"_s + *detail.id, body.encoded());
-    } else {
-        const AppStoreReviewDetailCreateRequestBody body{versionID, detail};
-        request = APIRequest::withBody(Method::Post, u"/v1/appStoreReviewDetails"_s, body.encoded());
-    }
-    const auto resource = co_await client->sendSingle<ASCAppStoreReviewDetailAttributes>(std::move(request));
+    const auto endpoint =
+        detail.id
+            ? ReleaseEndpoints::updateReviewDetail(AppStoreReviewDetailUpdateRequestBody{*detail.id, detail})
+            : ReleaseEndpoints::createReviewDetail(AppStoreReviewDetailCreateRequestBody{versionID, detail});
+    const auto resource = co_await client->call(endpoint);
     co_return ManagedAppReviewDetail::fromResource(resource.id, resource.attributes);
 }
 
 QCoro::Task<QList<ManagedReviewAttachment>>
 AppReviewDetailsService::attachments(QString reviewDetailID, std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request =
-        APIRequest::get(u"/v1/appStoreReviewDetails/"_s + reviewDetailID + u"/appStoreReviewAttachments"_s);
-    request.queryItems = {{u"limit"_s, QString::number(attachmentsLimit)}};
-    const auto page = co_await client->send<ASCAppStoreReviewAttachmentAttributes>(std::move(request));
+    const auto page =
+        co_await client->call(ReleaseEndpoints::attachmentsOfReviewDetail(reviewDetailID, attachmentsLimit));
     QList<ManagedReviewAttachment> list;
     list.reserve(page.data.size());
     for (const auto& resource : page.data) {
@@ -67,10 +56,7 @@ AppReviewDetailsService::uploadAttachment(QString filePath, QString reviewDetail
 
     const AppStoreReviewAttachmentCreateRequestBody reserveBody{reviewDetailID, fileName,
                                                                 qint64(data.size())};
-    APIRequest reserve =
-        APIRequest::withBody(Method::Post, u"/v1/appStoreReviewAttachments"_s, reserveBody.encoded());
-    const auto reservation =
-        co_await client->sendSingle<ASCAppStoreReviewAttachmentAttributes>(std::move(reserve));
+    const auto reservation = co_await client->call(ReleaseEndpoints::reserveAttachment(reserveBody));
 
     const QList<ASCUploadOperation> operations =
         reservation.attributes
@@ -91,17 +77,11 @@ AppReviewDetailsService::uploadAttachment(QString filePath, QString reviewDetail
 
     const AppStoreReviewAttachmentCommitRequestBody commitBody{
         reservation.id, QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex())};
-    APIRequest commit = APIRequest::withBody(
-        Method::Patch, u"/v1/appStoreReviewAttachments/"_s + reservation.id, commitBody.encoded());
-    const auto committed =
-        co_await client->sendSingle<ASCAppStoreReviewAttachmentAttributes>(std::move(commit));
+    const auto committed = co_await client->call(ReleaseEndpoints::commitAttachment(commitBody));
     co_return ManagedReviewAttachment::fromResource(committed.id, committed.attributes);
 }
 
 QCoro::Task<> AppReviewDetailsService::deleteAttachment(QString attachmentID,
                                                         std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request;
-    request.method = Method::Delete;
-    request.path = u"/v1/appStoreReviewAttachments/"_s + attachmentID;
-    co_await client->sendVoid(std::move(request));
+    co_await client->call(ReleaseEndpoints::deleteAttachment(attachmentID));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/DiskCache.h"
+#include "api/TimedCache.h"
 #include "testflight/ManagedBuild.h"
 
 #include <QCoro/QCoroTask>
@@ -16,7 +17,7 @@ class Clock;
 // answer on disk.
 class BuildsService {
 public:
-    static constexpr double cacheTTL = 60;
+    static constexpr int cacheTTL = 60;
     static constexpr int pageLimit = 200;
     static constexpr int maxPages = 20;
 
@@ -30,11 +31,6 @@ public:
     static QString diskKey(const QString& appID);
 
 private:
-    struct Entry {
-        QList<ManagedBuild> builds;
-        QDateTime fetchedAt;
-    };
     std::shared_ptr<DiskCache> m_disk;
-    std::shared_ptr<Clock> m_clock;
-    QHash<QString, Entry> m_cache;
+    TimedCache<QList<ManagedBuild>> m_cache;
 };

@@ -1,13 +1,11 @@
 #include "release/ReviewSubmissionsService.h"
 
 #include "api/AppStoreConnectClient.h"
-#include "release/ReleaseRequestBodies.h"
+#include "release/ReleaseEndpoints.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-using Method = APIRequest::Method;
 
 namespace {
 bool isComplete(const ManagedReviewSubmission& s) {
@@ -18,9 +16,7 @@ bool isComplete(const ManagedReviewSubmission& s) {
 QCoro::Task<QList<ManagedReviewSubmission>>
 ReviewSubmissionsService::submissions(QString appID, std::shared_ptr<AppStoreConnectClient> client,
                                       int limit) {
-    APIRequest request = APIRequest::get(u"/v1/apps/"_s + appID + u"/reviewSubmissions"_s);
-    request.queryItems = {{u"limit"_s, QString::number(limit)}};
-    const auto page = co_await client->send<ASCReviewSubmissionAttributes>(std::move(request));
+    const auto page = co_await client->call(ReleaseEndpoints::submissionsOfApp(appID, limit));
     QList<ManagedReviewSubmission> list;
     list.reserve(page.data.size());
     for (const auto& resource : page.data) {
@@ -55,10 +51,7 @@ ReviewSubmissionsService::currentSubmission(QString appID, std::shared_ptr<AppSt
 QCoro::Task<QList<ManagedReviewSubmissionItem>>
 ReviewSubmissionsService::items(QString submissionID, std::shared_ptr<AppStoreConnectClient> client,
                                 VersionsByID versionsByID) {
-    APIRequest request = APIRequest::get(u"/v1/reviewSubmissions/"_s + submissionID + u"/items"_s);
-    // Without the include Apple leaves out which version an item refers to.
-    request.queryItems = {{u"limit"_s, QString::number(itemsLimit)}, {u"include"_s, u"appStoreVersion"_s}};
-    const auto page = co_await client->send<ASCReviewSubmissionItemAttributes>(std::move(request));
+    const auto page = co_await client->call(ReleaseEndpoints::itemsOfSubmission(submissionID, itemsLimit));
     QList<ManagedReviewSubmissionItem> list;
     list.reserve(page.data.size());
     for (const auto& resource : page.data) {
@@ -76,8 +69,7 @@ ReviewSubmissionsService::submit(QString versionID, QString appID, ASCPlatform p
     bool needsItem = true;
     if (!open) {
         const ReviewSubmissionCreateRequestBody body{appID, platform};
-        APIRequest request = APIRequest::withBody(Method::Post, u"/v1/reviewSubmissions"_s, body.encoded());
-        const auto created = co_await client->sendSingle<ASCReviewSubmissionAttributes>(std::move(request));
+        const auto created = co_await client->call(ReleaseEndpoints::createSubmission(body));
         submissionID = created.id;
     } else if (open->state.value() != ASCReviewSubmissionState::Case::ReadyForReview) {
         throw VelmoraAPIError::workflowConflict(u"Es liegt bereits eine Einreichung bei Apple ("_s +
@@ -94,30 +86,21 @@ ReviewSubmissionsService::submit(QString versionID, QString appID, ASCPlatform p
     }
     if (needsItem) {
         const ReviewSubmissionItemCreateRequestBody body{submissionID, versionID};
-        APIRequest request =
-            APIRequest::withBody(Method::Post, u"/v1/reviewSubmissionItems"_s, body.encoded());
-        co_await client->sendVoid(std::move(request));
+        co_await client->call(ReleaseEndpoints::addSubmissionItem(body));
     }
     const ReviewSubmissionUpdateRequestBody body{submissionID, true, std::nullopt};
-    APIRequest request =
-        APIRequest::withBody(Method::Patch, u"/v1/reviewSubmissions/"_s + submissionID, body.encoded());
-    const auto updated = co_await client->sendSingle<ASCReviewSubmissionAttributes>(std::move(request));
+    const auto updated = co_await client->call(ReleaseEndpoints::updateSubmission(body));
     co_return ManagedReviewSubmission::fromResource(updated.id, updated.attributes);
 }
 
 QCoro::Task<ManagedReviewSubmission>
 ReviewSubmissionsService::cancel(QString submissionID, std::shared_ptr<AppStoreConnectClient> client) {
     const ReviewSubmissionUpdateRequestBody body{submissionID, std::nullopt, true};
-    APIRequest request =
-        APIRequest::withBody(Method::Patch, u"/v1/reviewSubmissions/"_s + submissionID, body.encoded());
-    const auto updated = co_await client->sendSingle<ASCReviewSubmissionAttributes>(std::move(request));
+    const auto updated = co_await client->call(ReleaseEndpoints::updateSubmission(body));
     co_return ManagedReviewSubmission::fromResource(updated.id, updated.attributes);
 }
 
 QCoro::Task<> ReviewSubmissionsService::removeItem(QString itemID,
                                                    std::shared_ptr<AppStoreConnectClient> client) {
-    APIRequest request;
-    request.method = Method::Delete;
-    request.path = u"/v1/reviewSubmissionItems/"_s + itemID;
-    co_await client->sendVoid(std::move(request));
+    co_await client->call(ReleaseEndpoints::removeSubmissionItem(itemID));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/DiskCache.h"
+#include "api/TimedCache.h"
 #include "release/ManagedPhasedRelease.h"
 #include "release/ReleaseRequestBodies.h"
 #include "release/VelmoraVersion.h"
@@ -21,7 +22,7 @@ class Clock;
 // short while in memory and its last good answer on disk; errors of the client go up unchanged.
 class VersionsService {
 public:
-    static constexpr double cacheTTL = 60;
+    static constexpr int cacheTTL = 60;
     static constexpr int pageLimit = 200;
     static constexpr int maxPages = 20;
 
@@ -63,18 +64,7 @@ public:
     static QString diskKey(const QString& appID);
 
 private:
-    struct VersionsEntry {
-        QList<VelmoraVersion> versions;
-        QDateTime fetchedAt;
-    };
-    struct BuildEntry {
-        std::optional<ManagedBuild> build;
-        QDateTime fetchedAt;
-    };
-    bool isFresh(const QDateTime& fetchedAt) const;
-
     std::shared_ptr<DiskCache> m_disk;
-    std::shared_ptr<Clock> m_clock;
-    QHash<QString, VersionsEntry> m_cache;
-    QHash<QString, BuildEntry> m_assignedBuildCache;
+    TimedCache<QList<VelmoraVersion>> m_cache;
+    TimedCache<std::optional<ManagedBuild>> m_assignedBuildCache;
 };

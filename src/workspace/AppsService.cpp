@@ -2,11 +2,12 @@
 
 #include "api/AppStoreConnectClient.h"
 #include "platform/Clock.h"
+#include "workspace/AppsEndpoints.h"
 
 using namespace Qt::StringLiterals;
 
 AppsService::AppsService(std::shared_ptr<DiskCache> disk, std::shared_ptr<Clock> clock)
-    : m_disk(std::move(disk)), m_clock(std::move(clock)) {}
+    : m_disk(std::move(disk)), m_cache(std::move(clock), cacheTTL) {}
 
 QString AppsService::diskKey(const QUuid& accountID) {
     return u"apps-"_s + Account::idText(accountID);
@@ -15,18 +16,13 @@ QString AppsService::diskKey(const QUuid& accountID) {
 QCoro::Task<QList<ManagedApp>>
 AppsService::apps(Account account, std::shared_ptr<AppStoreConnectClient> client, bool forceRefresh) {
     if (!forceRefresh) {
-        if (auto it = m_cache.constFind(account.id); it != m_cache.cend()) {
-            const double age = double(it->fetchedAt.msecsTo(m_clock->now())) / 1000.0;
-            if (age < cacheTTL) {
-                co_return it->apps;
-            }
+        if (auto cached = m_cache.fresh(Account::idText(account.id))) {
+            co_return *cached;
         }
     }
-    APIRequest request = APIRequest::get(u"/v1/apps"_s);
-    request.queryItems = {{u"limit"_s, QString::number(pageLimit)}, {u"sort"_s, u"name"_s}};
     // A list cut off at the page limit is used as far as it goes.
     const std::weak_ptr<int> alive = m_alive;
-    const auto result = co_await client->sendPagedResult<ASCAppAttributes>(std::move(request), maxPages);
+    const auto result = co_await client->call(AppsEndpoints::apps(pageLimit, maxPages));
     QList<ManagedApp> apps;
     apps.reserve(result.items.size());
     if (alive.expired()) {
@@ -36,7 +32,7 @@ AppsService::apps(Account account, std::shared_ptr<AppStoreConnectClient> client
     for (const auto& resource : result.items) {
         apps.append(ManagedApp::fromResource(resource.id, resource.attributes));
     }
-    m_cache.insert(account.id, Entry{apps, m_clock->now()});
+    m_cache.insert(Account::idText(account.id), apps);
     m_disk->storeList(diskKey(account.id), apps);
     co_return apps;
 }

@@ -2,6 +2,7 @@
 
 #include "api/Account.h"
 #include "api/DiskCache.h"
+#include "api/TimedCache.h"
 #include "workspace/ManagedApp.h"
 
 #include <QCoro/QCoroTask>
@@ -15,7 +16,7 @@ class Clock;
 // Lists the apps of an account, with a short in-memory cache and a copy on disk.
 class AppsService {
 public:
-    static constexpr double cacheTTL = 120;
+    static constexpr int cacheTTL = 120;
     static constexpr int pageLimit = 200;
     static constexpr int maxPages = 20;
 
@@ -28,13 +29,8 @@ public:
     const DiskCache& disk() const { return *m_disk; }
 
 private:
-    struct Entry {
-        QList<ManagedApp> apps;
-        QDateTime fetchedAt;
-    };
     std::shared_ptr<DiskCache> m_disk;
-    std::shared_ptr<Clock> m_clock;
-    QHash<QUuid, Entry> m_cache;
+    TimedCache<QList<ManagedApp>> m_cache;
     // Expires with the service, so that a request still running can tell it is gone.
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
 };

@@ -7,6 +7,7 @@
 #include "platform/KeychainError.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 #include "support/TestPlatform.h"
 
@@ -588,7 +589,7 @@ void TestAccounts::keyNeverLeaks() {
     QStringList errors;
     auto run = [&](const Account& account, APIRequest request) {
         auto client = QCoro::waitFor(store.makeClient(account));
-        const auto failure = raised(client->sendRawData(std::move(request)));
+        const auto failure = raised(client->call(bytesOf(std::move(request))));
         QVERIFY(failure);
         errors.append(failure->description);
     };

@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 #include "workspace/ManagedApp.h"
 
@@ -151,7 +152,7 @@ private Q_SLOTS:
             answers.append(Answer::json(status, status == 200 ? appsPage({u"A"_s}) : "{}"_ba, headers));
         }
         m_transport->script("GET", u"/v1/apps"_s, answers);
-        auto task = client()->send<ASCAppAttributes>(appsRequest());
+        auto task = client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest()));
         const auto failure = failureOf(std::move(task));
         QCOMPARE(failure.value_or(QString()), error);
         QCOMPARE(m_clock->sleeps(), sleeps);
@@ -162,7 +163,7 @@ private Q_SLOTS:
     void rateLimitedKeepsRetryAfter() {
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(429, "{}"_ba, {{"Retry-After", "5"}})});
         try {
-            VarnisTest::awaitTask(client()->sendRawData(appsRequest()));
+            VarnisTest::awaitTask(client()->call(bytesOf(appsRequest())));
             QFAIL("expected rateLimited");
         } catch (const VelmoraAPIError& e) {
             QCOMPARE(e.kind(), VelmoraAPIError::Kind::RateLimited);
@@ -175,7 +176,7 @@ private Q_SLOTS:
                             {Answer::json(503, "{}"_ba, {{"X-Apple-Request-Id", "R1"}}),
                              Answer::json(503, "{}"_ba),
                              Answer::json(201, "{}"_ba, {{"X-Apple-Request-Id", "R3"}})});
-        VarnisTest::awaitTask(client()->sendVoid(postRequest()));
+        VarnisTest::awaitTask(client()->call(nothingOf(postRequest())));
         const auto entries = m_audit->entries();
         QCOMPARE(entries.size(), 3);
         QCOMPARE(entries[0].statusCode, std::optional<int>(201));
@@ -191,8 +192,8 @@ private Q_SLOTS:
     void readsAndTransportFailuresLeaveNoAuditEntry() {
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(500, "{}"_ba)});
         m_transport->failWith("POST", u"/v1/betaGroups"_s, u"Der Server hat die Verbindung abgelehnt."_s);
-        QVERIFY(failureOf(client()->sendRawData(appsRequest())));
-        QCOMPARE(failureOf(client()->sendVoid(postRequest())),
+        QVERIFY(failureOf(client()->call(bytesOf(appsRequest()))));
+        QCOMPARE(failureOf(client()->call(nothingOf(postRequest()))),
                  std::optional<QString>(u"Netzwerkfehler: Der Server hat die Verbindung abgelehnt."_s));
         QCOMPARE(m_audit->entries().size(), 0);
     }
@@ -201,7 +202,7 @@ private Q_SLOTS:
         m_transport->script("POST", u"/v1/betaGroups"_s,
                             {Answer::json(422, appleError(u"detail"_s, u"Name schon vergeben."_s),
                                           {{"X-Apple-Request-Id", "REQ-422"}})});
-        QCOMPARE(failureOf(client()->sendVoid(postRequest())),
+        QCOMPARE(failureOf(client()->call(nothingOf(postRequest()))),
                  std::optional<QString>(u"Name schon vergeben."_s));
         const auto entries = m_audit->entries();
         QCOMPARE(entries.size(), 1);
@@ -215,7 +216,8 @@ private Q_SLOTS:
             {Answer::json(404, appleError(u"title"_s, u"Nicht gefunden"_s),
                           {{"X-Apple-Request-Id", "ABC"}, {"X-Rate-Limit", "user-hour-rem:10;"}})});
         try {
-            VarnisTest::awaitTask(client()->sendSingle<ASCAppAttributes>(APIRequest::get(u"/v1/apps/42"_s)));
+            VarnisTest::awaitTask(client()->call(
+                Endpoint<Returns::One<ASCAppAttributes>>::of(APIRequest::get(u"/v1/apps/42"_s))));
             QFAIL("expected http");
         } catch (const VelmoraAPIError& e) {
             QCOMPARE(e.kind(), VelmoraAPIError::Kind::Http);
@@ -231,7 +233,7 @@ private Q_SLOTS:
             "GET", u"/v1/apps"_s,
             {Answer::json(429, "{}"_ba, {{"X-Rate-Limit", "user-hour-lim:3600;user-hour-rem:0;"}}),
              Answer::json(200, appsPage({})), Answer::json(200, appsPage({}))});
-        VarnisTest::awaitTask(client()->sendRawData(appsRequest()));
+        VarnisTest::awaitTask(client()->call(bytesOf(appsRequest())));
         QCOMPARE(m_governor->limit(), std::optional<int>(3600));
         QCOMPARE(m_governor->remaining(), std::optional<int>(0));
     }
@@ -240,7 +242,7 @@ private Q_SLOTS:
         m_governor->update(u"user-hour-lim:3600;user-hour-rem:100;"_s);
         APIRequest request = appsRequest();
         request.priority = RequestPriority::Background;
-        QCOMPARE(failureOf(client()->sendRawData(request)),
+        QCOMPARE(failureOf(client()->call(bytesOf(request))),
                  std::optional<QString>(
                      u"Apples Stundenbudget ist fast aufgebraucht (100 von 3600 übrig). "
                      "Hintergrundarbeit pausiert, damit interaktive Anfragen weiter durchkommen."_s));
@@ -248,7 +250,7 @@ private Q_SLOTS:
     }
 
     void unusableKeySendsNothing() {
-        QCOMPARE(failureOf(client("not a key"_ba)->sendRawData(appsRequest())),
+        QCOMPARE(failureOf(client("not a key"_ba)->call(bytesOf(appsRequest()))),
                  std::optional<QString>(u"Der private API-Schlüssel ist ungültig."_s));
         QCOMPARE(m_transport->requestCount(), 0);
     }
@@ -257,7 +259,7 @@ private Q_SLOTS:
         m_transport->script("PATCH", u"/v1/apps/1"_s, {Answer::json(200, "{}"_ba)});
         APIRequest request = APIRequest::withBody(APIRequest::Method::Patch, u"/v1/apps/1"_s, "{}"_ba);
         request.headers.insert(u"Content-Type"_s, u"text/plain"_s);
-        VarnisTest::awaitTask(client()->sendVoid(request));
+        VarnisTest::awaitTask(client()->call(nothingOf(request)));
         const HttpRequest sent = m_transport->requests().constFirst();
         QCOMPARE(sent.method, "PATCH"_ba);
         int contentTypes = 0;
@@ -281,12 +283,12 @@ private Q_SLOTS:
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, appsPage({}))});
         auto c = client();
         for (int i = 0; i < 5; ++i) {
-            VarnisTest::awaitTask(c->sendRawData(appsRequest()));
+            VarnisTest::awaitTask(c->call(bytesOf(appsRequest())));
             m_clock->advance(200);
         }
         QCOMPARE(c->auth().tokensMade(), 1);
         m_clock->advance(18 * 60 - 5 * 200 + 1);
-        VarnisTest::awaitTask(c->sendRawData(appsRequest()));
+        VarnisTest::awaitTask(c->call(bytesOf(appsRequest())));
         QCOMPARE(c->auth().tokensMade(), 2);
     }
 
@@ -294,7 +296,7 @@ private Q_SLOTS:
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, appsPage({}))});
         APIRequest request = APIRequest::get(u"/v1/apps"_s);
         request.queryItems = {{u"filter[name]"_s, u"A+B C"_s}, {u"limit"_s, u"5"_s}};
-        VarnisTest::awaitTask(client()->sendRawData(request));
+        VarnisTest::awaitTask(client()->call(bytesOf(request)));
         const QUrl url = m_transport->requests().constFirst().url;
         QCOMPARE(url.query(QUrl::FullyEncoded), u"filter[name]=A%2BB%20C&limit=5"_s);
         QCOMPARE(QUrlQuery(url).queryItemValue(u"filter[name]"_s, QUrl::FullyDecoded), u"A+B C"_s);
@@ -305,24 +307,23 @@ private Q_SLOTS:
         m_transport->script(
             "GET", u"/v1/apps"_s,
             {Answer::json(200, appsPage({u"A"_s}, next)), Answer::json(200, appsPage({u"B"_s}))});
-        auto full = VarnisTest::awaitTask(client()->sendPagedResult<ASCAppAttributes>(appsRequest(), 5));
+        auto full = VarnisTest::awaitTask(
+            client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 5)));
         QCOMPARE(full.items.size(), 2);
         QVERIFY(!full.truncated);
         QCOMPARE(m_transport->requests().at(1).url, QUrl(next));
 
         // One page allowed: truncated and registered; a later complete load clears the record.
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, appsPage({u"A"_s}, next))});
-        auto cut = VarnisTest::awaitTask(client()->sendPagedResult<ASCAppAttributes>(appsRequest(), 0));
+        auto cut = VarnisTest::awaitTask(
+            client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 0)));
         QVERIFY(cut.truncated);
         QCOMPARE(cut.items.size(), 1);
         QVERIFY(m_registry->contains(u"/v1/apps"_s));
 
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, appsPage({u"A"_s}))});
-        auto resources = VarnisTest::awaitTask(
-            client()->sendPagedResources<JSONAPIResource<ASCAppAttributes>>(appsRequest(), 3));
-        QCOMPARE(resources.size(), 1);
-        QVERIFY2(m_registry->contains(u"/v1/apps"_s), "the resource variant never clears the record");
-        VarnisTest::awaitTask(client()->sendPagedResult<ASCAppAttributes>(appsRequest(), 3));
+        VarnisTest::awaitTask(
+            client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 3)));
         QVERIFY(!m_registry->contains(u"/v1/apps"_s));
     }
 
@@ -331,8 +332,9 @@ private Q_SLOTS:
             "GET", u"/v1/apps"_s,
             {Answer::json(200, appsPage({u"A"_s}, u"https://api.example.test/v1/apps?cursor=2"_s)),
              Answer::json(404, "{}"_ba)});
-        QCOMPARE(failureOf(client()->sendPagedResult<ASCAppAttributes>(appsRequest(), 5)),
-                 std::optional<QString>(u"App Store Connect meldete Fehler 404."_s));
+        QCOMPARE(
+            failureOf(client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 5))),
+            std::optional<QString>(u"App Store Connect meldete Fehler 404."_s));
     }
 
     void undecodableSuccessIsADecodingError_data() {
@@ -347,7 +349,7 @@ private Q_SLOTS:
     void undecodableSuccessIsADecodingError() {
         QFETCH(QByteArray, body);
         m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, body)});
-        QCOMPARE(failureOf(client()->send<ASCAppAttributes>(appsRequest())),
+        QCOMPARE(failureOf(client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest()))),
                  std::optional<QString>(u"Die Antwort von App Store Connect konnte nicht gelesen werden."_s));
     }
 
@@ -361,7 +363,7 @@ private Q_SLOTS:
             // Same items in another order: still the same request.
             request.queryItems = i % 2 ? QList<QueryItem>{{u"sort"_s, u"name"_s}, {u"limit"_s, u"200"_s}}
                                        : QList<QueryItem>{{u"limit"_s, u"200"_s}, {u"sort"_s, u"name"_s}};
-            tasks.push_back(c->sendRawData(request));
+            tasks.push_back(c->call(bytesOf(request)));
         }
         QCOMPARE(m_transport->heldCount(), 1);
         m_transport->releaseHeld();
@@ -371,7 +373,7 @@ private Q_SLOTS:
         QCOMPARE(m_transport->requestCount(), 1);
         // Nothing is kept afterwards.
         m_transport->holdReplies(false);
-        VarnisTest::awaitTask(c->sendRawData(appsRequest()));
+        VarnisTest::awaitTask(c->call(bytesOf(appsRequest())));
         QCOMPARE(m_transport->requestCount(), 2);
     }
 
@@ -379,8 +381,8 @@ private Q_SLOTS:
         m_transport->script("POST", u"/v1/betaGroups"_s, {Answer::json(201, "{}"_ba)});
         m_transport->holdReplies(true);
         auto c = client();
-        auto first = c->sendVoid(postRequest());
-        auto second = c->sendVoid(postRequest());
+        auto first = c->call(nothingOf(postRequest()));
+        auto second = c->call(nothingOf(postRequest()));
         QCOMPARE(m_transport->heldCount(), 2);
         m_transport->releaseHeld();
         VarnisTest::awaitTask(std::move(first));

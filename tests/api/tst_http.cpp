@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 #include "support/TestServer.h"
 #include "workspace/ManagedApp.h"
@@ -107,7 +108,8 @@ private Q_SLOTS:
             limited.headers.append({"Retry-After", retryAfter});
         }
         m_server->script("GET", u"/v1/apps"_s, {limited, Reply::json(200, page({u"1"_s}))});
-        const auto result = VarnisTest::awaitTask(client()->send<ASCAppAttributes>(appsRequest()));
+        const auto result = VarnisTest::awaitTask(
+            client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest())));
         QCOMPARE(result.data.size(), 1);
         QCOMPARE(m_clock->sleeps(), sleeps);
         QCOMPARE(m_server->requests().size(), 2);
@@ -122,7 +124,7 @@ private Q_SLOTS:
                           Reply::json(201, "{}"_ba, {{"X-Apple-Request-Id", "REQ-OK"}})});
         auto c = client();
         VarnisTest::awaitTask(
-            c->sendVoid(APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, "{}"_ba)));
+            c->call(nothingOf(APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, "{}"_ba))));
         const auto entries = m_audit->entries();
         QCOMPARE(entries.size(), 3);
         QCOMPARE(entries[0].appleRequestID, std::optional<QString>(u"REQ-OK"_s));
@@ -153,7 +155,7 @@ private Q_SLOTS:
             "GET", u"/v1/apps"_s,
             {Reply::json(status, body,
                          {{"X-Apple-Request-Id", "REQ-1"}, {"X-Rate-Limit", "user-hour-rem:7"}})});
-        const auto error = failureOf(client()->sendRawData(appsRequest()));
+        const auto error = failureOf(client()->call(bytesOf(appsRequest())));
         QVERIFY(error);
         QCOMPARE(int(error->kind()), kind);
         QCOMPARE(error->errorDescription(), message);
@@ -172,7 +174,8 @@ private Q_SLOTS:
         second.script(
             "GET", u"/v1/apps"_s,
             {Reply::json(200, page({u"2"_s}, second.url(u"/v1/apps?cursor=Mw&limit=200"_s).toString()))});
-        auto result = VarnisTest::awaitTask(client()->sendPagedResult<ASCAppAttributes>(appsRequest(), 2));
+        auto result = VarnisTest::awaitTask(
+            client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 2)));
         QCOMPARE(result.items.size(), 2);
         QVERIFY(result.truncated);
         QVERIFY(m_registry->contains(u"/v1/apps"_s));
@@ -184,7 +187,7 @@ private Q_SLOTS:
         TestServer elsewhere;
         m_server->script("GET", u"/v1/apps"_s,
                          {Reply::json(302, "{}"_ba, {{"Location", elsewhere.url(u"/steal"_s).toEncoded()}})});
-        const auto error = failureOf(client()->sendRawData(appsRequest()));
+        const auto error = failureOf(client()->call(bytesOf(appsRequest())));
         QVERIFY(error);
         QCOMPARE(error->status(), 302);
         QCOMPARE(elsewhere.requests().size(), 0);
@@ -193,7 +196,8 @@ private Q_SLOTS:
     void successThatIsNotJson() {
         m_server->script("GET", u"/v1/apps"_s,
                          {Reply::json(200, "Wartungsarbeiten"_ba, {{"Content-Type", "text/html"}})});
-        const auto error = failureOf(client()->send<ASCAppAttributes>(appsRequest()));
+        const auto error =
+            failureOf(client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest())));
         QVERIFY(error);
         QCOMPARE(error->kind(), VelmoraAPIError::Kind::Decoding);
     }
@@ -208,7 +212,7 @@ private Q_SLOTS:
         parts.apiRoot = dead;
         parts.auth =
             std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM);
-        const auto error = failureOf(AppStoreConnectClient::create(parts)->sendRawData(appsRequest()));
+        const auto error = failureOf(AppStoreConnectClient::create(parts)->call(bytesOf(appsRequest())));
         QVERIFY(error);
         QCOMPARE(error->kind(), VelmoraAPIError::Kind::Network);
         QCOMPARE(error->errorDescription(), u"Netzwerkfehler: Der Server hat die Verbindung abgelehnt."_s);
@@ -217,7 +221,7 @@ private Q_SLOTS:
     void silentServerTimesOutOnTheClock() {
         m_clock->setAutoAdvance(false);
         m_server->holdReplies(true);
-        auto task = client()->sendRawData(appsRequest());
+        auto task = client()->call(bytesOf(appsRequest()));
         QTRY_COMPARE(m_server->heldCount(), 1);
         m_clock->advance(59);
         QVERIFY(!task.isReady());
@@ -231,7 +235,7 @@ private Q_SLOTS:
     void freshClientsShareConnections() {
         m_server->script("GET", u"/v1/apps"_s, {Reply::json(200, page({u"1"_s}))});
         for (int i = 0; i < 100; ++i) {
-            VarnisTest::awaitTask(client()->sendRawData(appsRequest()));
+            VarnisTest::awaitTask(client()->call(bytesOf(appsRequest())));
         }
         QCOMPARE(m_server->requests().size(), 100);
         QVERIFY2(m_server->connectionCount() <= 2, qPrintable(QString::number(m_server->connectionCount())));
@@ -243,7 +247,7 @@ private Q_SLOTS:
         auto c = client();
         std::vector<QCoro::Task<QByteArray>> tasks;
         for (int i = 0; i < 20; ++i) {
-            tasks.push_back(c->sendRawData(appsRequest()));
+            tasks.push_back(c->call(bytesOf(appsRequest())));
         }
         QTRY_COMPARE(m_server->heldCount(), 1);
         m_server->releaseHeld();

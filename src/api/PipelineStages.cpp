@@ -1,0 +1,118 @@
+#include "api/PipelineStages.h"
+
+#include "api/AuditLog.h"
+#include "api/AuthenticationService.h"
+#include "api/RateLimitGovernor.h"
+#include "platform/Clock.h"
+#include "wire/AppleErrorDocument.h"
+#include "wire/VelmoraAPIError.h"
+
+#include <QUuid>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isSuccess(int status) {
+    return status >= 200 && status <= 299;
+}
+
+} // namespace
+
+std::optional<double> parseRetryAfter(const std::optional<QString>& header) {
+    if (!header) {
+        return std::nullopt;
+    }
+    bool ok = false;
+    const double value = header->trimmed().toDouble(&ok);
+    // "inf", "nan" and negative waits are no usable answer; an hour is the longest we wait.
+    if (!ok || !std::isfinite(value) || value < 0) {
+        return std::nullopt;
+    }
+    return std::min(value, 3600.0);
+}
+
+QCoro::Task<HttpResponse> ErrorMappingStage::process(PipelineCall call, PipelineNext next) {
+    HttpResponse response = co_await next(std::move(call));
+    const int status = response.status;
+    if (isSuccess(status)) {
+        co_return response;
+    }
+    if (m_kind == Kind::Storage) {
+        throw VelmoraAPIError::http(status, std::nullopt, {});
+    }
+    switch (status) {
+    case 429:
+        throw VelmoraAPIError::rateLimited(parseRetryAfter(response.header("Retry-After")));
+    case 403:
+        throw VelmoraAPIError::forbidden(AppleErrorDocument::decodeLenient(response.body));
+    case 401:
+        throw VelmoraAPIError::unauthorized();
+    default:
+        throw VelmoraAPIError::http(status, response.header("X-Apple-Request-Id"),
+                                    AppleErrorDocument::decodeLenient(response.body));
+    }
+}
+
+QCoro::Task<HttpResponse> RetryStage::process(PipelineCall call, PipelineNext next) {
+    for (;;) {
+        HttpResponse response = co_await next(call);
+        if (call.attempt >= maxAttempts) {
+            co_return response;
+        }
+        double wait = 0;
+        if (response.status == 429) {
+            wait =
+                parseRetryAfter(response.header("Retry-After")).value_or(double(call.attempt + call.attempt));
+        } else if (response.status >= 500 && response.status <= 599) {
+            wait = call.attempt * 1.5;
+        } else {
+            co_return response;
+        }
+        co_await m_clock->sleep(wait);
+        ++call.attempt;
+    }
+}
+
+QCoro::Task<HttpResponse> AuditStage::process(PipelineCall call, PipelineNext next) {
+    const APIRequest request = call.request;
+    HttpResponse response = co_await next(std::move(call));
+    if (request.method != APIRequest::Method::Get && m_log) {
+        AuditLog::Entry entry;
+        entry.id = QUuid::createUuid();
+        entry.date = m_clock->now();
+        entry.method = request.methodText();
+        entry.path = request.path;
+        entry.statusCode = response.status;
+        entry.appleRequestID = response.header("X-Apple-Request-Id");
+        entry.accountName = m_accountName;
+        if (!isSuccess(response.status)) {
+            entry.errorMessage = u"HTTP %1"_s.arg(response.status);
+        }
+        m_log->record(std::move(entry));
+    }
+    co_return response;
+}
+
+QCoro::Task<HttpResponse> GovernorStage::process(PipelineCall call, PipelineNext next) {
+    if (!m_governor) {
+        co_return co_await next(std::move(call));
+    }
+    co_await m_governor->reserve(call.request.priority);
+    HttpResponse response = co_await next(std::move(call));
+    m_governor->update(response.header("X-Rate-Limit"));
+    co_return response;
+}
+
+QCoro::Task<HttpResponse> TokenStage::process(PipelineCall call, PipelineNext next) {
+    QString token;
+    try {
+        token = m_auth->currentToken(m_clock->now());
+    } catch (...) {
+        throw VelmoraAPIError::invalidPrivateKey();
+    }
+    call.http.headers.append(qMakePair(QByteArray("Authorization"), "Bearer " + token.toLatin1()));
+    co_return co_await next(std::move(call));
+}
