@@ -7,3 +7,4 @@ varnis_add_test(NAME tst_accounts LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/t
 varnis_add_test(NAME tst_stores LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_stores.cpp)
 varnis_add_test(NAME tst_viewmodels LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_viewmodels.cpp)
 varnis_add_test(NAME tst_presentation LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_presentation.cpp)
+varnis_add_test(NAME tst_pipeline LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_pipeline.cpp)
