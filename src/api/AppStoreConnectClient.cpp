@@ -33,6 +33,7 @@ std::unique_ptr<RequestPipeline> apiPipeline(const AppStoreConnectClient::Parts&
 std::unique_ptr<RequestPipeline> storagePipeline(const AppStoreConnectClient::Parts& parts) {
     std::vector<std::unique_ptr<PipelineStage>> stages;
     stages.push_back(std::make_unique<ErrorMappingStage>(ErrorMappingStage::Kind::Storage));
+    stages.push_back(std::make_unique<RetryStage>(parts.clock, RetryStage::Policy::ConnectivityOnly));
     return std::make_unique<RequestPipeline>(std::move(stages), parts.transport);
 }
 

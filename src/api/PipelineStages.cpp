@@ -35,7 +35,12 @@ std::optional<double> parseRetryAfter(const std::optional<QString>& header) {
 }
 
 QCoro::Task<HttpResponse> ErrorMappingStage::process(PipelineCall call, PipelineNext next) {
-    HttpResponse response = co_await next(std::move(call));
+    HttpResponse response;
+    try {
+        response = co_await next(std::move(call));
+    } catch (const TransportError& error) {
+        throw VelmoraAPIError::network(error.description());
+    }
     const int status = response.status;
     if (isSuccess(status)) {
         co_return response;
@@ -57,22 +62,39 @@ QCoro::Task<HttpResponse> ErrorMappingStage::process(PipelineCall call, Pipeline
 }
 
 QCoro::Task<HttpResponse> RetryStage::process(PipelineCall call, PipelineNext next) {
+    const QDateTime started = m_clock->now();
+    double offlineWait = 2;
     for (;;) {
-        HttpResponse response = co_await next(call);
-        if (call.attempt >= maxAttempts) {
-            co_return response;
+        HttpResponse response;
+        bool offline = false;
+        try {
+            response = co_await next(call);
+        } catch (const TransportError& error) {
+            // Without a network the request waits for one to return, up to the window; these
+            // waits are no tries.
+            const double elapsed = double(started.msecsTo(m_clock->now())) / 1000.0;
+            if (!error.isOffline() || elapsed + offlineWait > connectivityWindow) {
+                throw;
+            }
+            offline = true;
         }
         double wait = 0;
-        if (response.status == 429) {
+        if (offline) {
+            wait = offlineWait;
+            offlineWait = std::min(offlineWait * 2, 30.0);
+        } else if (m_policy == Policy::ConnectivityOnly || call.attempt >= maxAttempts) {
+            co_return response;
+        } else if (response.status == 429) {
             wait =
                 parseRetryAfter(response.header("Retry-After")).value_or(double(call.attempt + call.attempt));
+            ++call.attempt;
         } else if (response.status >= 500 && response.status <= 599) {
             wait = call.attempt * 1.5;
+            ++call.attempt;
         } else {
             co_return response;
         }
         co_await m_clock->sleep(wait);
-        ++call.attempt;
     }
 }
 

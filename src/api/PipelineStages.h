@@ -29,16 +29,23 @@ private:
     Kind m_kind;
 };
 
-// Up to four tries: after a 429 it waits for Retry-After or 2, 4, 6 s, after a 5xx for 1.5,
-// 3, 4.5 s; every other answer, and the last one, goes up as it came.
+// The one place that tries again. Up to four tries: after a 429 it waits for Retry-After or
+// 2, 4, 6 s, after a 5xx for 1.5, 3, 4.5 s; every other answer, and the last one, goes up as
+// it came. Without a network it waits for one (2, 4, 8 … 30 s) for up to five minutes; those
+// waits count as no try. Storage uploads only wait for the network.
 class RetryStage : public PipelineStage {
 public:
     static constexpr int maxAttempts = 4;
-    explicit RetryStage(std::shared_ptr<Clock> clock) : m_clock(std::move(clock)) {}
+    static constexpr double connectivityWindow = 300;
+    enum class Policy { ApiAnswers, ConnectivityOnly };
+
+    explicit RetryStage(std::shared_ptr<Clock> clock, Policy policy = Policy::ApiAnswers)
+        : m_clock(std::move(clock)), m_policy(policy) {}
     QCoro::Task<HttpResponse> process(PipelineCall call, PipelineNext next) override;
 
 private:
     std::shared_ptr<Clock> m_clock;
+    Policy m_policy;
 };
 
 // One entry per attempt of a write that got an answer; reads leave none.

@@ -28,12 +28,7 @@ QCoro::Task<HttpResponse> RequestPipeline::sendAt(std::size_t index, PipelineCal
 }
 
 QCoro::Task<HttpResponse> RequestPipeline::transmit(PipelineCall call) const {
-    HttpResponse response;
-    try {
-        response = co_await m_transport->send(call.http);
-    } catch (const TransportError& error) {
-        throw VelmoraAPIError::network(error.description());
-    }
+    HttpResponse response = co_await m_transport->send(call.http);
     if (!response.isHttp) {
         throw VelmoraAPIError::unknown(-1);
     }

@@ -39,9 +39,8 @@ public:
     virtual QCoro::Task<HttpResponse> process(PipelineCall call, PipelineNext next) = 0;
 };
 
-// Stages in a fixed order above the transport. The transport's own failures become the
-// German network error here, at the bottom, so that every stage sees either a response or
-// that error.
+// Stages in a fixed order above the transport. A stage sees a response, a TransportError
+// (which the outermost stage turns into the German network error) or an error of a stage below.
 class RequestPipeline {
 public:
     RequestPipeline(std::vector<std::unique_ptr<PipelineStage>> stages,

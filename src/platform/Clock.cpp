@@ -1,6 +1,8 @@
 #include "platform/Clock.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -37,22 +39,55 @@ QDateTime SystemClock::now() const {
 }
 
 namespace {
-// A wait in whole milliseconds that a timer can take: never negative, never beyond a day.
+
+// A wait in whole milliseconds for virtual time: never negative, never beyond a day.
 qint64 timerMilliseconds(double seconds) {
     if (!std::isfinite(seconds) || seconds <= 0) {
         return 0;
     }
     return qint64(std::llround(std::min(seconds, 86400.0) * 1000.0));
 }
+
+// Runs `callback` once `deadline` has passed, never before. Even a precise timer may fire a
+// little early (a coarse one by up to 5 %), so an early wake-up waits again for the rest.
+void runWhenExpired(QDeadlineTimer deadline, QPointer<QObject> context, bool hasContext,
+                    std::function<void()> callback) {
+    QObject* receiver = hasContext ? context.data() : QCoreApplication::instance();
+    if (!receiver) {
+        return;
+    }
+    const qint64 remainingNs = deadline.remainingTimeNSecs();
+    if (remainingNs <= 0) {
+        callback();
+        return;
+    }
+    // Whole milliseconds, rounded up.
+    const auto ms = std::chrono::milliseconds((remainingNs + 999999) / 1000000);
+    QTimer::singleShot(ms, Qt::PreciseTimer, receiver,
+                       [deadline, context, hasContext, callback = std::move(callback)]() mutable {
+                           if (hasContext && !context) {
+                               return;
+                           }
+                           runWhenExpired(deadline, context, hasContext, std::move(callback));
+                       });
+}
+
 } // namespace
 
 void SystemClock::schedule(double seconds, QObject* context, std::function<void()> callback) {
-    const auto ms = std::chrono::milliseconds(timerMilliseconds(seconds));
-    if (context) {
-        QTimer::singleShot(ms, context, std::move(callback));
-    } else {
-        QTimer::singleShot(ms, std::move(callback));
-    }
+    // Never negative, never beyond a day; a wait that is no number is no wait.
+    const double bounded = std::isfinite(seconds) ? std::clamp(seconds, 0.0, 86400.0) : 0.0;
+    const QDeadlineTimer deadline(std::chrono::nanoseconds(qint64(std::ceil(bounded * 1e9))),
+                                  Qt::PreciseTimer);
+    // The first turn always goes through the event loop, also for a wait of zero.
+    QTimer::singleShot(0, Qt::PreciseTimer, context ? context : QCoreApplication::instance(),
+                       [deadline, guard = QPointer<QObject>(context), hasContext = context != nullptr,
+                        callback = std::move(callback)]() mutable {
+                           if (hasContext && !guard) {
+                               return;
+                           }
+                           runWhenExpired(deadline, guard, hasContext, std::move(callback));
+                       });
 }
 
 ManualClock::ManualClock(QDateTime start) : m_now(std::move(start)) {}

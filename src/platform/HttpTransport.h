@@ -30,14 +30,18 @@ struct HttpResponse {
 };
 
 // A request that never produced a response: no connection, a timeout, a cancelled transfer.
+// `offline` says "no network right now" rather than "this server is wrong": worth waiting for.
 class TransportError : public std::exception {
 public:
-    explicit TransportError(QString description) : m_description(std::move(description)) {}
+    explicit TransportError(QString description, bool offline = false)
+        : m_description(std::move(description)), m_offline(offline) {}
     const QString& description() const { return m_description; }
+    bool isOffline() const { return m_offline; }
     const char* what() const noexcept override { return "transport error"; }
 
 private:
     QString m_description;
+    bool m_offline;
 };
 
 // The seam to HTTP. The application uses QtHttpTransport; tests plug in scripted transports.

@@ -118,56 +118,54 @@ QNetworkAccessManager* QtHttpTransport::sharedManager() {
 }
 
 QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
-    const QDateTime started = m_clock->now();
-    double backoff = 2;
-    for (;;) {
-        QNetworkRequest req(request.url);
-        req.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-        req.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-        req.setRawHeader("Accept", "application/json");
-        for (const auto& [name, value] : request.headers) {
-            req.setRawHeader(name, value);
-        }
-        std::unique_ptr<QNetworkReply> reply(
-            request.body.isEmpty() && request.method == "GET"
-                ? sharedManager()->get(req)
-                : sharedManager()->sendCustomRequest(req, request.method, request.body));
-
-        auto watch = std::make_shared<InactivityWatch>(InactivityWatch{
-            m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now(), m_clock->now()});
-        auto touch = [watch]() {
-            watch->lastActivity = watch->clock->now();
-        };
-        QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(), touch);
-        QObject::connect(reply.get(), &QNetworkReply::uploadProgress, reply.get(), touch);
-        watch->arm(request.timeoutSeconds, watch);
-
-        co_await qCoro(reply.get()).waitForFinished(std::chrono::milliseconds(-1));
-
-        if (watch->fired) {
-            throw TransportError(germanDescription(QNetworkReply::TimeoutError));
-        }
-        const QVariant statusAttr = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        if (!statusAttr.isValid()) {
-            const auto error = reply->error();
-            if (error == QNetworkReply::NoError) {
-                HttpResponse notHttp;
-                notHttp.isHttp = false;
-                notHttp.body = reply->readAll();
-                co_return notHttp;
-            }
-            const double elapsed = double(started.msecsTo(m_clock->now())) / 1000.0;
-            if (waitsForConnectivity(error) && elapsed + backoff <= m_connectivityWindow) {
-                co_await m_clock->sleep(backoff);
-                backoff = std::min(backoff * 2, 30.0);
-                continue;
-            }
-            throw TransportError(germanDescription(error));
-        }
-        HttpResponse response;
-        response.status = statusAttr.toInt();
-        response.headers = reply->rawHeaderPairs();
-        response.body = reply->readAll();
-        co_return response;
+    QNetworkRequest req(request.url);
+    req.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    req.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    req.setRawHeader("Accept", "application/json");
+    for (const auto& [name, value] : request.headers) {
+        req.setRawHeader(name, value);
     }
+    std::unique_ptr<QNetworkReply> reply(
+        request.body.isEmpty() && request.method == "GET"
+            ? sharedManager()->get(req)
+            : sharedManager()->sendCustomRequest(req, request.method, request.body));
+
+    auto watch = std::make_shared<InactivityWatch>(
+        InactivityWatch{m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now(), m_clock->now()});
+    auto touch = [watch]() {
+        watch->lastActivity = watch->clock->now();
+    };
+    QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(), touch);
+    QObject::connect(reply.get(), &QNetworkReply::uploadProgress, reply.get(), touch);
+    watch->arm(request.timeoutSeconds, watch);
+
+    co_await qCoro(reply.get()).waitForFinished(std::chrono::milliseconds(-1));
+
+    if (watch->fired) {
+        throw TransportError(germanDescription(QNetworkReply::TimeoutError));
+    }
+    const QVariant statusAttr = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (!statusAttr.isValid()) {
+        const auto error = reply->error();
+        if (error == QNetworkReply::NoError) {
+            HttpResponse notHttp;
+            notHttp.isHttp = false;
+            notHttp.body = reply->readAll();
+            co_return notHttp;
+        }
+        throw TransportError(germanDescription(error), waitsForConnectivity(error));
+    }
+    const int status = statusAttr.toInt();
+    // A success whose body was cut off, or that Qt refused to inflate, is no success: the
+    // decoder would take a short body for the whole answer. Error answers go up as they are.
+    if (status >= 200 && status <= 299 && reply->error() != QNetworkReply::NoError) {
+        throw TransportError(reply->error() == QNetworkReply::UnknownContentError
+                                 ? u"Die Antwort des Servers kam beschädigt an."_s
+                                 : germanDescription(reply->error()));
+    }
+    HttpResponse response;
+    response.status = status;
+    response.headers = reply->rawHeaderPairs();
+    response.body = reply->readAll();
+    co_return response;
 }

@@ -15,12 +15,8 @@ public:
 
     QCoro::Task<HttpResponse> send(HttpRequest request) override;
 
-    // How long a request keeps trying while the machine has no network (seconds).
-    void setConnectivityWindow(double seconds) { m_connectivityWindow = seconds; }
-
     static QNetworkAccessManager* sharedManager();
 
 private:
     std::shared_ptr<Clock> m_clock;
-    double m_connectivityWindow = 300;
 };

@@ -18,6 +18,7 @@
 using namespace Qt::StringLiterals;
 using Answer = FakeTransport::Answer;
 using Headers = QList<QPair<QByteArray, QByteArray>>;
+Q_DECLARE_METATYPE(FakeTransport::Answer)
 
 namespace {
 
@@ -96,6 +97,45 @@ private Q_SLOTS:
         QCOMPARE(outcome(pipeline, callTo("GET", u"/v1/apps"_s)), result);
         QCOMPARE(m_clock->sleeps(), sleeps);
         QCOMPARE(m_transport->requestCount(), sleeps.size() + 1);
+    }
+
+    // Waiting for a network is no try: the attempts count on afterwards.
+    void retryStageWaitsForANetwork_data() {
+        QTest::addColumn<QList<Answer>>("answers");
+        QTest::addColumn<QList<double>>("sleeps");
+        QTest::addColumn<QString>("result");
+        const Answer offline = Answer::offline(u"Keine Netzwerkverbindung."_s);
+        QList<double> window{2, 4, 8, 16};
+        for (int i = 0; i < 9; ++i) {
+            window.append(30);
+        }
+        QTest::newRow("back after two waits")
+            << QList<Answer>{offline, offline, Answer::json(200, "{}"_ba)} << QList<double>{2, 4} << u"200"_s;
+        QTest::newRow("then a 503 still has its tries")
+            << QList<Answer>{offline, Answer::json(503, "{}"_ba), Answer::json(200, "{}"_ba)}
+            << QList<double>{2, 1.5} << u"200"_s;
+        QTest::newRow("gone for five minutes")
+            << QList<Answer>{offline} << window << u"Keine Netzwerkverbindung."_s;
+        QTest::newRow("a refused connection is not waited for")
+            << QList<Answer>{Answer::error(u"abgelehnt"_s), Answer::json(200, "{}"_ba)} << QList<double>{}
+            << u"abgelehnt"_s;
+    }
+
+    void retryStageWaitsForANetwork() {
+        QFETCH(QList<Answer>, answers);
+        QFETCH(QList<double>, sleeps);
+        QFETCH(QString, result);
+        m_transport->script("GET", u"/v1/apps"_s, answers);
+        const auto pipeline = oneStage(std::make_unique<RetryStage>(m_clock), m_transport);
+        QString outcomeText;
+        try {
+            outcomeText =
+                QString::number(VarnisTest::awaitTask(pipeline.send(callTo("GET", u"/v1/apps"_s))).status);
+        } catch (const TransportError& error) {
+            outcomeText = error.description();
+        }
+        QCOMPARE(outcomeText, result);
+        QCOMPARE(m_clock->sleeps(), sleeps);
     }
 
     void errorMappingStageAlone_data() {

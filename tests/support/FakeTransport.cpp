@@ -30,6 +30,12 @@ FakeTransport::Answer FakeTransport::Answer::error(QString description) {
     return result;
 }
 
+FakeTransport::Answer FakeTransport::Answer::offline(QString description) {
+    Answer result = error(std::move(description));
+    result.isOffline = true;
+    return result;
+}
+
 FakeTransport::~FakeTransport() {
     if (!m_held.isEmpty()) {
         // Resuming them now could run code of objects that are already gone; they stay suspended.
@@ -45,7 +51,7 @@ QCoro::Task<HttpResponse> FakeTransport::send(HttpRequest request) {
     }
     const Answer result = answer(request);
     if (result.transportError) {
-        throw TransportError(*result.transportError);
+        throw TransportError(*result.transportError, result.isOffline);
     }
     co_return result.response;
 }

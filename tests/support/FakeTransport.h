@@ -22,9 +22,12 @@ public:
     struct Answer {
         HttpResponse response;
         std::optional<QString> transportError;
+        bool isOffline = false;
 
         static Answer json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
         static Answer error(QString description);
+        // A TransportError that says the machine has no network.
+        static Answer offline(QString description);
     };
     using Handler = std::function<Answer(const HttpRequest&)>;
 
