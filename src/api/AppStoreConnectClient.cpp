@@ -101,9 +101,17 @@ QCoro::Task<QByteArray> AppStoreConnectClient::fetch(APIRequest request) {
 
 HttpRequest AppStoreConnectClient::buildRequest(const APIRequest& request) const {
     QUrl url;
-    if (request.path.startsWith(u"http"_s)) {
-        // A `next` link is followed as Apple wrote it, host and query included.
+    if (!request.path.startsWith(u'/') || request.path.startsWith(u"//"_s)) {
+        // A `next` link is followed as Apple wrote it, host and query included, but only over
+        // https (or plain http when the API itself is reached that way, as in tests): the
+        // token goes with it.
         url = QUrl(request.path, QUrl::StrictMode);
+        const QString scheme = url.scheme().toLower();
+        const bool allowed =
+            scheme == u"https"_s || (scheme == u"http"_s && d->parts.apiRoot.scheme() == u"http"_s);
+        if (!allowed || url.host().isEmpty()) {
+            throw VelmoraAPIError::network(TransportError::protocolViolation());
+        }
     } else {
         url = d->parts.apiRoot;
         QString basePath = url.path(QUrl::FullyEncoded);

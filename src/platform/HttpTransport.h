@@ -39,6 +39,9 @@ public:
     bool isOffline() const { return m_offline; }
     const char* what() const noexcept override { return "transport error"; }
 
+    // The words for an answer that breaks the rules of HTTP or of the API's links.
+    static QString protocolViolation();
+
 private:
     QString m_description;
     bool m_offline;

@@ -42,7 +42,7 @@ QString germanDescription(QNetworkReply::NetworkError error) {
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolInvalidOperationError:
     case QNetworkReply::ProtocolFailure:
-        return u"Die Antwort des Servers verletzt das HTTP-Protokoll."_s;
+        return TransportError::protocolViolation();
     default:
         return u"Die Verbindung ist fehlgeschlagen (Code %1)."_s.arg(int(error));
     }

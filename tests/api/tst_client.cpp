@@ -327,6 +327,35 @@ private Q_SLOTS:
         QVERIFY(!m_registry->contains(u"/v1/apps"_s));
     }
 
+    // The token goes with a next link, so only https is followed.
+    void nextLinksOfOtherSchemesAreRefused_data() {
+        QTest::addColumn<QString>("next");
+        QTest::addColumn<bool>("followed");
+        QTest::newRow("https elsewhere") << u"https://other.example.test/v1/apps?cursor=2"_s << true;
+        QTest::newRow("plain http") << u"http://api.example.test/v1/apps?cursor=2"_s << false;
+        QTest::newRow("ftp") << u"ftp://api.example.test/v1/apps"_s << false;
+        QTest::newRow("file") << u"file:///etc/passwd"_s << false;
+        QTest::newRow("javascript") << u"javascript:alert(1)"_s << false;
+        QTest::newRow("scheme-relative") << u"//evil.example.test/v1/apps"_s << false;
+        QTest::newRow("relative") << u"v1/apps?cursor=2"_s << false;
+    }
+
+    void nextLinksOfOtherSchemesAreRefused() {
+        QFETCH(QString, next);
+        QFETCH(bool, followed);
+        m_transport->setContractMode(FakeTransport::ContractMode::Off);
+        m_transport->script(
+            "GET", u"/v1/apps"_s,
+            {Answer::json(200, appsPage({u"A"_s}, next)), Answer::json(200, appsPage({u"B"_s}))});
+        const auto failure =
+            failureOf(client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 5)));
+        QCOMPARE(failure.has_value(), !followed);
+        if (failure) {
+            QCOMPARE(*failure, u"Netzwerkfehler: Die Antwort des Servers verletzt das HTTP-Protokoll."_s);
+        }
+        QCOMPARE(m_transport->requestCount(), followed ? 2 : 1);
+    }
+
     void pageFailureDropsEverything() {
         m_transport->script(
             "GET", u"/v1/apps"_s,

@@ -18,6 +18,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+Q_DECLARE_METATYPE(TestServer::Reply)
 
 // The real HTTP stack against a real server on the loopback interface.
 namespace {
@@ -181,6 +182,29 @@ private Q_SLOTS:
         QVERIFY(m_registry->contains(u"/v1/apps"_s));
         QCOMPARE(second.requests().size(), 1);
         QCOMPARE(second.requests().constFirst().queryValue(u"cursor"_s), std::optional<QString>(u"Mg"_s));
+    }
+
+    // A success that did not arrive whole must not reach the decoder as a short answer.
+    void brokenSuccessesAreNetworkErrors_data() {
+        QTest::addColumn<Reply>("reply");
+        QTest::addColumn<QString>("message");
+        Reply cut = Reply::json(200, QByteArray(1000, 'x'));
+        cut.cutAfter = 25;
+        QTest::newRow("cut off after 25 of 1000 bytes")
+            << cut << u"Netzwerkfehler: Der Server hat die Verbindung unerwartet geschlossen."_s;
+        Reply bomb = Reply::json(200, QByteArray(24 * 1024 * 1024, '\0'));
+        bomb.gzip = true;
+        QTest::newRow("gzip Qt refuses to inflate")
+            << bomb << u"Netzwerkfehler: Die Antwort des Servers kam beschädigt an."_s;
+    }
+
+    void brokenSuccessesAreNetworkErrors() {
+        QFETCH(Reply, reply);
+        QFETCH(QString, message);
+        m_server->script("GET", u"/v1/apps"_s, {reply});
+        const auto error = failureOf(client()->call(bytesOf(appsRequest())));
+        QVERIFY(error);
+        QCOMPARE(error->errorDescription(), message);
     }
 
     void redirectsAreNotFollowedWithTheToken() {

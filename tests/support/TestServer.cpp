@@ -345,10 +345,10 @@ void TestServer::writeReply(Connection& connection, const Request& request, cons
     }
     out += "\r\n";
     if (!bodyless && request.method != "HEAD") {
-        out += body;
+        out += reply.cutAfter >= 0 ? body.left(reply.cutAfter) : body;
     }
     connection.socket->write(out);
-    if (close) {
+    if (close || reply.cutAfter >= 0) {
         TestServer::close(connection);
     }
 }

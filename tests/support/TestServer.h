@@ -43,6 +43,7 @@ public:
         bool gzip = false;            // send the body gzip-compressed, with "Content-Encoding: gzip"
         bool closeConnection = false; // "Connection: close", and close after this reply
         bool dropConnection = false;  // close the connection instead of answering
+        qsizetype cutAfter = -1;      // announce the whole body, send this many bytes of it, close
 
         // A reply with "Content-Type: application/json".
         static Reply json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
