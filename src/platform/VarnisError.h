@@ -17,3 +17,7 @@ private:
 
 // The German description of any exception that reaches the edge of a presentation model.
 QString describeError(const std::exception& error);
+
+// `text` with every control character but line feed and tab written out as \x1B or \u009B,
+// so that a text from outside can neither rewrite a terminal nor hide in a label.
+QString printableText(const QString& text);

@@ -61,6 +61,11 @@ VelmoraAPIError VelmoraAPIError::unknown(int status) {
 }
 
 QString VelmoraAPIError::errorDescription() const {
+    // Apple's words and names from outside reach terminals and labels: no control codes.
+    return printableText(description());
+}
+
+QString VelmoraAPIError::description() const {
     switch (m_kind) {
     case Kind::Network:
         return u"Netzwerkfehler: "_s + m_text;

@@ -49,6 +49,8 @@ public:
     QString errorDescription() const override;
 
 private:
+    QString description() const;
+
     explicit VelmoraAPIError(Kind kind) : m_kind(kind) {}
 
     Kind m_kind;

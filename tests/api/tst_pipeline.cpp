@@ -152,6 +152,10 @@ private Q_SLOTS:
             << u"Anmeldung bei App Store Connect fehlgeschlagen. Bitte API-Schlüssel prüfen."_s;
         QTest::newRow("429 at the end") << false << 429 << QByteArray()
                                         << u"Zu viele Anfragen an App Store Connect. Bitte kurz warten."_s;
+        QTest::newRow("control codes in Apple's detail are written out")
+            << false << 409
+            << QByteArray("{\"errors\":[{\"detail\":\"\\u001b[2J\\u001b[HFrei\\r\\nZeile\\tzwei\\u0007\\u009b\"}]}")
+            << u"\\x1B[2J\\x1B[HFrei\\x0D\nZeile\tzwei\\x07\\u009B"_s;
         QTest::newRow("storage reads no error document")
             << true << 409 << apple << u"App Store Connect meldete Fehler 409."_s;
         QTest::newRow("storage 403 is no missing permission")
