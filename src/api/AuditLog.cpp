@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -15,6 +17,16 @@ namespace {
 const QDateTime& referenceDate() {
     static const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
     return reference;
+}
+
+// A stored number outside the years 1 to 9999 (or none) is an absent date, not a wrapped one.
+QDateTime dateFromStoredSeconds(std::optional<double> seconds) {
+    // 9999-12-31 lies about 2.5e11 seconds after the reference date, year 1 about 6.3e10 before it.
+    if (!seconds || !std::isfinite(*seconds) || std::abs(*seconds) > 3.0e11) {
+        return {};
+    }
+    const QDateTime date = referenceDate().addMSecs(qint64(std::llround(*seconds * 1000.0)));
+    return date.date().year() >= 1 && date.date().year() <= 9999 ? date : QDateTime();
 }
 
 template <class T>
@@ -50,8 +62,7 @@ void AuditLog::ensureLoaded() {
             if (e.id.isNull()) {
                 return;
             }
-            const double seconds = r.optDouble(u"date"_s).value_or(0);
-            e.date = referenceDate().addMSecs(qint64(seconds * 1000.0));
+            e.date = dateFromStoredSeconds(r.optDouble(u"date"_s));
             e.method = r.string(u"method"_s);
             e.path = r.string(u"path"_s);
             if (auto s = r.optInt(u"statusCode"_s)) {
@@ -72,9 +83,11 @@ void AuditLog::save() {
     QJsonArray array;
     for (const auto& e : std::as_const(m_entries)) {
         QJsonObject object{{u"id"_s, e.id.toString(QUuid::WithoutBraces).toUpper()},
-                           {u"date"_s, double(referenceDate().msecsTo(e.date)) / 1000.0},
                            {u"method"_s, e.method},
                            {u"path"_s, e.path}};
+        if (e.date.isValid()) {
+            object.insert(u"date"_s, double(referenceDate().msecsTo(e.date)) / 1000.0);
+        }
         insertOptional(object, u"statusCode"_s, e.statusCode);
         insertOptional(object, u"appleRequestID"_s, e.appleRequestID);
         insertOptional(object, u"accountName"_s, e.accountName);

@@ -107,7 +107,13 @@ std::optional<QDateTime> JsonReader::optDate(const QString& key) const {
     if (!text) {
         return std::nullopt;
     }
-    return ASCDateFormatting::decode(*text);
+    const QDateTime d = ASCDateFormatting::decode(*text);
+    // A well-formed date that lands beyond the years ISO text can hold (9999-12-31 with a
+    // negative offset) could not be stored again: it counts as absent.
+    if (d.date().year() < 1 || d.date().year() > 9999) {
+        return std::nullopt;
+    }
+    return d;
 }
 
 QDateTime JsonReader::date(const QString& key) const {

@@ -42,6 +42,8 @@ private Q_SLOTS:
     void absentFileAndFolder();
     void exportText();
     void storesReferenceDateSeconds();
+    void datesOutOfRangeAreAbsent_data();
+    void datesOutOfRangeAreAbsent();
     void clear();
 };
 
@@ -127,6 +129,38 @@ void TestAuditLog::storesReferenceDateSeconds() {
     QVERIFY(!object.contains(u"appleRequestID"_s));
     QVERIFY(!object.contains(u"errorMessage"_s));
     QCOMPARE(AuditLog(file).entries(), QList<AuditLog::Entry>{e});
+}
+
+void TestAuditLog::datesOutOfRangeAreAbsent_data() {
+    QTest::addColumn<QByteArray>("date");
+    QTest::addColumn<bool>("present");
+    QTest::newRow("ordinary") << "100.5"_ba << true;
+    QTest::newRow("far future") << "1e300"_ba << false;
+    QTest::newRow("far past") << "-1e300"_ba << false;
+    QTest::newRow("beyond year 9999") << "2.6e11"_ba << false;
+    QTest::newRow("missing") << QByteArray() << false;
+}
+
+// Only the date of the damaged entry goes; the entry and its neighbours stay.
+void TestAuditLog::datesOutOfRangeAreAbsent() {
+    QFETCH(QByteArray, date);
+    QFETCH(bool, present);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(u"log.json"_s);
+    const QByteArray dateMember = date.isNull() ? QByteArray() : ",\"date\":" + date;
+    writeFile(file,
+              "[{\"id\":\"6F9619FF-8B86-D011-B42D-00C04FC964FF\",\"method\":\"POST\",\"path\":\"/v1/a\"" +
+                  dateMember +
+                  "},{\"id\":\"7F9619FF-8B86-D011-B42D-00C04FC964FF\",\"date\":1,"
+                  "\"method\":\"DELETE\",\"path\":\"/v1/b\"}]");
+    AuditLog log(file);
+    const auto entries = log.entries();
+    QCOMPARE(entries.size(), 2);
+    QCOMPARE(entries.first().date.isValid(), present);
+    QCOMPARE(entries.last().date, QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1), Qt::UTC));
+    // Written again, the absent date stays absent rather than turning into a real one.
+    log.record(entry(u"/v1/c"_s));
+    QCOMPARE(AuditLog(file).entries().at(1).date.isValid(), present);
 }
 
 void TestAuditLog::clear() {

@@ -207,6 +207,23 @@ private Q_SLOTS:
                                  VarnisTest::awaitTask(m_versions->versions(u"app2"_s, client(), false)));
     }
 
+    // A valid date that lands past 9999 in UTC must not make the stored list unreadable.
+    void datesBeyondTheYear9999AreAbsent() {
+        m_transport->script(
+            "GET", u"/v1/apps/app1/appStoreVersions"_s,
+            {Answer::json(
+                200, page({version(u"far"_s, u"9.0"_s, u"READY_FOR_SALE"_s, u"9999-12-31T23:59:59-23:59"_s),
+                           version(u"near"_s, u"1.0"_s, u"READY_FOR_SALE"_s, u"2025-03-01T10:00:00Z"_s)}))});
+        const auto list = loadVersions();
+        QCOMPARE(list.size(), 2);
+        const auto stored = m_versions->storedVersions(u"app1"_s);
+        QVERIFY(stored);
+        QCOMPARE(stored->value.size(), 2);
+        QCOMPARE(stored->value.at(0).createdDate,
+                 std::optional<QDateTime>(QDateTime(QDate(2025, 3, 1), QTime(10, 0), Qt::UTC)));
+        QVERIFY(stored->value.at(1).createdDate == std::nullopt);
+    }
+
     void versionsCache_data() {
         QTest::addColumn<double>("after");
         QTest::addColumn<bool>("force");
