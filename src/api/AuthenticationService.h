@@ -4,9 +4,14 @@
 #include <QDateTime>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
-// Keeps the last token of one client and renews it a minute before it runs out.
+struct SigningKey;
+
+// Keeps the last token of one client and renews it a minute before it runs out. The key is
+// parsed once; its PEM text is wiped then, and from the first key on the process makes no
+// core dump that could hold it.
 class AuthenticationService {
 public:
     static constexpr double renewalMargin = 60;
@@ -26,7 +31,7 @@ private:
     };
     QString m_keyID;
     QString m_issuerID;
-    QByteArray m_privateKeyPEM;
+    std::shared_ptr<const SigningKey> m_key;
     std::optional<CachedToken> m_cached;
     int m_tokensMade = 0;
 };

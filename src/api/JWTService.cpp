@@ -54,8 +54,23 @@ QByteArray compactJson(const QJsonObject& object) {
 
 } // namespace
 
+struct SigningKey {
+    PKey key;
+};
+
 JWTService::JWTService(QString keyID, QString issuerID, QByteArray privateKeyPEM)
     : m_keyID(std::move(keyID)), m_issuerID(std::move(issuerID)), m_privateKeyPEM(std::move(privateKeyPEM)) {}
+
+JWTService::JWTService(QString keyID, QString issuerID, std::shared_ptr<const SigningKey> key)
+    : m_keyID(std::move(keyID)), m_issuerID(std::move(issuerID)), m_key(std::move(key)) {}
+
+std::shared_ptr<const SigningKey> JWTService::signingKey(const QByteArray& pem) {
+    PKey key = parseP256(pem);
+    if (!key) {
+        return nullptr;
+    }
+    return std::make_shared<const SigningKey>(SigningKey{std::move(key)});
+}
 
 bool JWTService::isUsableP256Key(const QByteArray& pem) {
     return parseP256(pem) != nullptr;
@@ -66,7 +81,8 @@ QByteArray JWTService::base64url(const QByteArray& data) {
 }
 
 QString JWTService::makeToken(const std::optional<QStringList>& scope, const QDateTime& now) const {
-    PKey key = parseP256(m_privateKeyPEM);
+    PKey parsed = m_key ? nullptr : parseP256(m_privateKeyPEM);
+    EVP_PKEY* key = m_key ? m_key->key.get() : parsed.get();
     if (!key) {
         throw Failure(JWTError::InvalidPrivateKey);
     }
@@ -85,7 +101,7 @@ QString JWTService::makeToken(const std::optional<QStringList>& scope, const QDa
 
     std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> ctx(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     size_t derLength = 0;
-    if (!ctx || EVP_DigestSignInit(ctx.get(), nullptr, EVP_sha256(), nullptr, key.get()) != 1 ||
+    if (!ctx || EVP_DigestSignInit(ctx.get(), nullptr, EVP_sha256(), nullptr, key) != 1 ||
         EVP_DigestSign(ctx.get(), nullptr, &derLength,
                        reinterpret_cast<const unsigned char*>(signingInput.constData()),
                        size_t(signingInput.size())) != 1) {

@@ -6,7 +6,11 @@
 #include <QStringList>
 
 #include <exception>
+#include <memory>
 #include <optional>
+
+// A parsed private key, ready to sign; what it holds stays inside the signing code.
+struct SigningKey;
 
 // Makes the ES256 token that every API call carries. The key is parsed for each new token and
 // never kept in parsed form.
@@ -26,6 +30,10 @@ public:
     static constexpr int tokenLifetimeSeconds = 1140;
 
     JWTService(QString keyID, QString issuerID, QByteArray privateKeyPEM);
+    JWTService(QString keyID, QString issuerID, std::shared_ptr<const SigningKey> key);
+
+    // The P-256 key of `pem`, parsed once, or null.
+    static std::shared_ptr<const SigningKey> signingKey(const QByteArray& pem);
 
     // Raises Failure.
     QString makeToken(const std::optional<QStringList>& scope, const QDateTime& now) const;
@@ -38,4 +46,5 @@ private:
     QString m_keyID;
     QString m_issuerID;
     QByteArray m_privateKeyPEM;
+    std::shared_ptr<const SigningKey> m_key;
 };

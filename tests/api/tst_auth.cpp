@@ -11,6 +11,10 @@
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -49,6 +53,7 @@ private Q_SLOTS:
     void cachedToken_data();
     void cachedToken();
     void failedMakeCachesNothing();
+    void keyMakesTheProcessUndumpable();
 };
 
 void TestAuth::tokenForm() {
@@ -153,6 +158,18 @@ void TestAuth::failedMakeCachesNothing() {
         QVERIFY_THROWS_EXCEPTION(JWTService::Failure, auth.currentToken(start));
     }
     QCOMPARE(auth.tokensMade(), 0);
+}
+
+// A core dump of a crashing process must not hold the key; the PEM the service got is let go.
+void TestAuth::keyMakesTheProcessUndumpable() {
+#ifdef Q_OS_LINUX
+    QByteArray pem = makeTestKey().privateKeyPEM;
+    AuthenticationService auth(u"ABCDE12345"_s, u"issuer"_s, std::move(pem));
+    QCOMPARE(prctl(PR_GET_DUMPABLE, 0, 0, 0, 0), 0);
+    QVERIFY(!auth.currentToken(QDateTime::currentDateTimeUtc()).isEmpty());
+#else
+    QSKIP("core dumps are switched off on Linux only");
+#endif
 }
 
 QTEST_GUILESS_MAIN(TestAuth)
