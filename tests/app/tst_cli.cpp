@@ -196,6 +196,70 @@ private Q_SLOTS:
         QVERIFY2(result.err.contains(stderrContains), qPrintable(result.err));
     }
 
+    // What a person reads when asking for help or mistyping: the stream it goes to, the exit
+    // status, and the command it is about.
+    void helpAndUsage_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("fragments");
+        const QString appsUsage = u"Aufruf: varnis apps "_s;
+        QTest::newRow("help for a command")
+            << QStringList{u"help"_s, u"metadata"_s, u"set"_s} << 0
+            << QStringList{u"Aufruf: varnis metadata set APP"_s, u"--yes"_s, u"Felder: name, subtitle,"_s};
+        QTest::newRow("help for a group") << QStringList{u"help"_s, u"accounts"_s} << 0
+                                          << QStringList{u"varnis help accounts BEFEHL"_s, u"probe"_s};
+        QTest::newRow("--help wins over a missing option")
+            << QStringList{u"accounts"_s, u"add"_s, u"--help"_s} << 0
+            << QStringList{u"Aufruf: varnis accounts add --name N"_s, u"[--vendor-number V]"_s};
+        QTest::newRow("-h of a group")
+            << QStringList{u"metadata"_s, u"-h"_s} << 0 << QStringList{u"Aufruf: varnis metadata BEFEHL"_s};
+        QTest::newRow("help for an unknown command")
+            << QStringList{u"help"_s, u"zaubern"_s} << 2 << QStringList{u"Unbekannter Befehl: zaubern"_s};
+        QTest::newRow("unknown option of accounts")
+            << QStringList{u"accounts"_s, u"list"_s, u"--alle"_s} << 2
+            << QStringList{u"Unbekannte Option: --alle"_s, u"Aufruf: varnis accounts list"_s};
+        QTest::newRow("unknown option of apps")
+            << QStringList{u"apps"_s, u"-x"_s} << 2 << QStringList{u"Unbekannte Option: -x"_s, appsUsage};
+        QTest::newRow("unknown option of audit-log")
+            << QStringList{u"audit-log"_s, u"--bunt=ja"_s} << 2
+            << QStringList{u"Unbekannte Option: --bunt"_s, u"Aufruf: varnis audit-log"_s};
+        QTest::newRow("option of another metadata command")
+            << QStringList{u"metadata"_s, u"show"_s, u"x"_s, u"--yes"_s} << 2
+            << QStringList{u"Unbekannte Option: --yes"_s, u"Aufruf: varnis metadata show"_s};
+        QTest::newRow("switch given a value") << QStringList{u"apps"_s, u"--json=ja"_s} << 2
+                                              << QStringList{u"Die Option --json nimmt keinen Wert."_s};
+        QTest::newRow("option without its value")
+            << QStringList{u"metadata"_s, u"check"_s, u"x"_s, u"--locale"_s} << 2
+            << QStringList{u"Zur Option --locale fehlt der Wert."_s};
+        QTest::newRow("missing required option")
+            << QStringList{u"metadata"_s, u"set"_s, u"x"_s, u"name=Y"_s} << 2
+            << QStringList{u"Es fehlt --locale."_s, u"Aufruf: varnis metadata set"_s};
+        QTest::newRow("missing name") << QStringList{u"accounts"_s, u"remove"_s} << 2
+                                      << QStringList{u"„accounts remove“ braucht genau einen Namen."_s};
+        QTest::newRow("stray argument") << QStringList{u"apps"_s, u"alle"_s} << 2
+                                        << QStringList{u"„apps“ nimmt keine weiteren Angaben."_s, appsUsage};
+        QTest::newRow("group without a member")
+            << QStringList{u"accounts"_s} << 2
+            << QStringList{u"„accounts“ braucht einen Unterbefehl: list, add, remove oder probe."_s};
+        QTest::newRow("unknown member") << QStringList{u"metadata"_s, u"zeigen"_s} << 2
+                                        << QStringList{u"Unbekannter Unterbefehl: metadata zeigen"_s};
+    }
+
+    void helpAndUsage() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, fragments);
+        const Run result = run(arguments, environment(false));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        // Help goes to stdout, a usage error only to stderr.
+        const QString& shown = status == 0 ? result.out : result.err;
+        QVERIFY2((status == 0 ? result.err : result.out).isEmpty(), qPrintable(result.out + result.err));
+        for (const QString& fragment : fragments) {
+            QVERIFY2(shown.contains(fragment), qPrintable(shown));
+        }
+        QVERIFY(m_server->requests().isEmpty());
+    }
+
     void addRefusesAKeyThatIsNoKey() {
         const QString bogus = m_home->filePath(u"AuthKey_ZZZZZ99999.p8"_s);
         QFile file(bogus);
