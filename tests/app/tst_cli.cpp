@@ -378,6 +378,88 @@ private Q_SLOTS:
         QVERIFY2(result.err.contains(message), qPrintable(result.err));
     }
 
+    // The outcomes that send nothing, in the words of the store-text screen.
+    void metadataWithoutWrite_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("fragments");
+        QTest::addColumn<bool>("appleRefuses");
+        QTest::newRow("show as text")
+            << QStringList{u"metadata"_s, u"show"_s, u"Nordlicht"_s} << 0
+            << QStringList{u"Nordlicht Journal – Version 2.0 (Zur Einreichung vorbereiten)"_s,
+                           u"== de-DE · "_s, u"Beschreibung: Alt\nKeywords: a,b\n"_s, u"== en-US · "_s,
+                           u"Name: Northern Light"_s}
+            << false;
+        QTest::newRow("text as Apple has it")
+            << QStringList{u"metadata"_s, u"set"_s, u"7"_s, u"--locale"_s, u"de-DE"_s, u"description=Alt"_s}
+            << 0
+            << QStringList{u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht."_s}
+            << false;
+        QTest::newRow("language the app lacks")
+            << QStringList{u"metadata"_s, u"show"_s, u"7"_s, u"--locale"_s, u"fr-FR"_s} << 1
+            << QStringList{u"Die Sprache „fr-FR“ gibt es für diese App nicht."_s} << false;
+        QTest::newRow("texts Apple does not give")
+            << QStringList{u"metadata"_s, u"check"_s, u"Nordlicht"_s} << 1
+            << QStringList{u"Die Store-Texte konnten nicht geladen werden (HTTP 404)"_s} << true;
+    }
+
+    void metadataWithoutWrite() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, fragments);
+        QFETCH(bool, appleRefuses);
+        scriptStoreTexts();
+        if (appleRefuses) {
+            m_server->script("GET", u"/v1/appInfos/i1/appInfoLocalizations"_s,
+                             {TestServer::Reply::json(404, "{}"_ba)});
+        }
+        const Run result = run(arguments, environment(true));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        const QString& shown = status == 0 ? result.out : result.err;
+        for (const QString& fragment : fragments) {
+            QVERIFY2(shown.contains(fragment), qPrintable(shown));
+        }
+        for (const auto& request : m_server->requests()) {
+            QCOMPARE(request.method, "GET"_ba);
+        }
+    }
+
+    // What stops a new account before anything is stored.
+    void addRefusals_data() {
+        QTest::addColumn<QStringList>("extra");
+        QTest::addColumn<bool>("withAccount");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("vendor number with letters") << QStringList{u"--vendor-number"_s, u"12a4"_s} << false
+                                                    << 1 << u"Vendor-Nummern bestehen nur aus Ziffern."_s;
+        QTest::newRow("blank name") << QStringList{u"--name"_s, u"  "_s} << false << 2
+                                    << u"Es fehlt --name."_s;
+        QTest::newRow("key file missing") << QStringList{u"--key-file"_s, u"/nirgends/AuthKey.p8"_s} << false
+                                          << 1 << u"Datei konnte nicht gelesen werden: "_s;
+        QTest::newRow("account from the environment")
+            << QStringList{} << true << 1 << u"werden keine Accounts gespeichert."_s;
+        QTest::newRow("stray argument")
+            << QStringList{u"Studio"_s} << false << 2 << u"„accounts add“ nimmt keine weiteren Angaben."_s;
+    }
+
+    void addRefusals() {
+        QFETCH(QStringList, extra);
+        QFETCH(bool, withAccount);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+        // The later of two values counts, so each row replaces what it names.
+        const QStringList arguments =
+            QStringList{u"accounts"_s, u"add"_s,         u"--name"_s,
+                        u"Studio"_s,   u"--issuer-id"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                        u"--key-id"_s, u"ABCDE12345"_s,  u"--key-file"_s,
+                        m_keyFile} +
+            extra;
+        const Run result = run(arguments, environment(withAccount));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        QVERIFY2(result.err.contains(message), qPrintable(result.err));
+        QVERIFY(!QFile::exists(m_home->filePath(u"data/Velmora/accounts.json"_s)));
+    }
+
     void metadataFileThatIsNotUtf8() {
         const QString file = m_home->filePath(u"latin1.txt"_s);
         QFile text(file);
