@@ -1,7 +1,7 @@
 #include "api/AccountStore.h"
 #include "api/EnvironmentAccount.h"
-#include "app/CommandLine.h"
 #include "app/UiShell.h"
+#include "cli/CommandLine.h"
 #include "platform/Clock.h"
 #include "platform/SingleInstance.h"
 #include "workspace/AppState.h"

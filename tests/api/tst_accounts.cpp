@@ -5,6 +5,7 @@
 #include "api/KeyImportValidator.h"
 #include "platform/Clock.h"
 #include "platform/KeychainError.h"
+#include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/RawEndpoints.h"
@@ -30,6 +31,7 @@
 #include <time.h>
 
 using namespace Qt::StringLiterals;
+using VarnisTest::awaitTask;
 
 namespace {
 
@@ -47,7 +49,7 @@ struct Raised {
     bool isKeychainError = false;
 };
 
-// QCoro::waitFor cannot carry an exception out, so a failure comes back as a value.
+// A failure comes back as a value, so that a test can compare what was raised.
 template <class T> QCoro::Task<std::optional<Raised>> raisedBy(QCoro::Task<T> task) {
     try {
         co_await std::move(task);
@@ -62,14 +64,14 @@ template <class T> QCoro::Task<std::optional<Raised>> raisedBy(QCoro::Task<T> ta
 // Runs `task` to its end; what it raised, if anything.
 template <class T> std::optional<Raised> raised(QCoro::Task<T> task) {
     auto wrapped = raisedBy(std::move(task));
-    return QCoro::waitFor(wrapped);
+    return awaitTask(std::move(wrapped));
 }
 
 Account addAccount(AccountStore& store, QString name, QByteArray pem,
                    std::optional<QString> vendor = std::nullopt, QString keyID = u"ABCDE12345"_s) {
     const QString issuerID = issuer;
     auto task = store.addAccount(name, issuerID, keyID, pem, vendor);
-    return QCoro::waitFor(task);
+    return awaitTask(std::move(task));
 }
 
 QByteArray readFile(const QString& path) {
@@ -414,7 +416,7 @@ void TestAccounts::probeWithDeletedKey() {
     store.updateAccount(account);
     f.secrets->setContents({});
 
-    const AccountCapabilities caps = QCoro::waitFor(store.probeCapabilities(account));
+    const AccountCapabilities caps = awaitTask(store.probeCapabilities(account));
     QVERIFY(!caps.canReadApps && !caps.canReadUsers && !caps.canReadAnalytics && !caps.canReadSalesReports);
     QCOMPARE(caps.checkedAt, f.clock->now());
     QCOMPARE(store.account(account.id)->capabilities, std::optional<AccountCapabilities>(earlier));
@@ -454,7 +456,7 @@ void TestAccounts::probe() {
                         {FakeTransport::Answer::json(200, R"({"data":[]})"_ba)});
     f.transport->script("GET", u"/v1/salesReports"_s, {FakeTransport::Answer::json(200, "gzip"_ba)});
 
-    const AccountCapabilities caps = QCoro::waitFor(store.probeCapabilities(account));
+    const AccountCapabilities caps = awaitTask(store.probeCapabilities(account));
     QVERIFY(caps.canReadApps);
     QCOMPARE(caps.canReadUsers, users);
     QVERIFY(caps.canReadAnalytics);
@@ -555,7 +557,7 @@ void TestAccounts::environmentAccountIsStableAndStaysInMemory() {
     store.useEphemeralAccount(loaded->account, loaded->privateKeyPEM);
     f.transport->script("GET", u"/v1/apps"_s, {FakeTransport::Answer::json(200, R"({"data":[]})"_ba)});
     const Account account = *store.selectedAccount();
-    const auto caps = QCoro::waitFor(store.probeCapabilities(account));
+    const auto caps = awaitTask(store.probeCapabilities(account));
     QVERIFY(caps.canReadApps);
     QCOMPARE(store.selectedAccount()->capabilities, std::optional<AccountCapabilities>(caps));
     QCOMPARE(f.secrets->callCount(), 0);
@@ -588,7 +590,7 @@ void TestAccounts::keyNeverLeaks() {
 
     QStringList errors;
     auto run = [&](const Account& account, APIRequest request) {
-        auto client = QCoro::waitFor(store.makeClient(account));
+        auto client = awaitTask(store.makeClient(account));
         const auto failure = raised(client->call(bytesOf(std::move(request))));
         QVERIFY(failure);
         errors.append(failure->description);

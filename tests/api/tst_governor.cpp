@@ -1,15 +1,17 @@
 #include "api/RateLimitGovernor.h"
 #include "api/RequestCoalescer.h"
 #include "platform/Clock.h"
+#include "support/AwaitTask.h"
 #include "wire/VelmoraAPIError.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using VarnisTest::awaitTask;
 
 namespace {
 
-// QCoro::waitFor cannot carry an exception out of a task, so failures come back as values.
+// Failures come back as values, so that a test can compare what was raised.
 struct Outcome {
     QByteArray bytes;
     std::optional<VelmoraAPIError> error;
@@ -113,7 +115,7 @@ void TestGovernor::reserve() {
     if (!header.isNull()) {
         governor.update(header);
     }
-    const auto error = QCoro::waitFor(failureOf(governor.reserve(priority)));
+    const auto error = awaitTask(failureOf(governor.reserve(priority)));
     QCOMPARE(clock->sleeps(), outcome == u"wait"_s ? QList<double>{2.0} : QList<double>{});
     QCOMPARE(error.has_value(), outcome == u"refuse"_s);
     if (error) {
@@ -149,8 +151,8 @@ void TestGovernor::coalescesConcurrentCalls() {
     QCOMPARE(runs, 1);
     QCOMPARE(coalescer.inFlightCount(), 1);
     clock.advance(1);
-    const auto a = QCoro::waitFor(first);
-    const auto b = QCoro::waitFor(second);
+    const auto a = awaitTask(std::move(first));
+    const auto b = awaitTask(std::move(second));
     QCOMPARE(runs, 1);
     QCOMPARE(coalescer.inFlightCount(), 0);
     for (const auto& outcome : {a, b}) {
@@ -170,8 +172,8 @@ void TestGovernor::runsAgainAfterCompletion() {
     const RequestCoalescer::Operation operation = [&]() -> QCoro::Task<QByteArray> {
         co_return QByteArray::number(++runs);
     };
-    QCOMPARE(QCoro::waitFor(coalescer.data(u"k"_s, operation)), "1"_ba);
-    QCOMPARE(QCoro::waitFor(coalescer.data(u"k"_s, operation)), "2"_ba);
+    QCOMPARE(awaitTask(coalescer.data(u"k"_s, operation)), "1"_ba);
+    QCOMPARE(awaitTask(coalescer.data(u"k"_s, operation)), "2"_ba);
 }
 
 void TestGovernor::differentKeysRunSeparately() {
@@ -192,8 +194,8 @@ void TestGovernor::differentKeysRunSeparately() {
     QCOMPARE(started, (QStringList{apps, builds}));
     QCOMPARE(coalescer.inFlightCount(), 2);
     clock.advance(1);
-    QCOMPARE(QCoro::waitFor(first).bytes, apps.toUtf8());
-    QCOMPARE(QCoro::waitFor(second).bytes, builds.toUtf8());
+    QCOMPARE(awaitTask(std::move(first)).bytes, apps.toUtf8());
+    QCOMPARE(awaitTask(std::move(second)).bytes, builds.toUtf8());
 }
 
 QTEST_GUILESS_MAIN(TestGovernor)

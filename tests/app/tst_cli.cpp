@@ -196,6 +196,70 @@ private Q_SLOTS:
         QVERIFY2(result.err.contains(stderrContains), qPrintable(result.err));
     }
 
+    // What a person reads when asking for help or mistyping: the stream it goes to, the exit
+    // status, and the command it is about.
+    void helpAndUsage_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("fragments");
+        const QString appsUsage = u"Aufruf: varnis apps "_s;
+        QTest::newRow("help for a command")
+            << QStringList{u"help"_s, u"metadata"_s, u"set"_s} << 0
+            << QStringList{u"Aufruf: varnis metadata set APP"_s, u"--yes"_s, u"Felder: name, subtitle,"_s};
+        QTest::newRow("help for a group") << QStringList{u"help"_s, u"accounts"_s} << 0
+                                          << QStringList{u"varnis help accounts BEFEHL"_s, u"probe"_s};
+        QTest::newRow("--help wins over a missing option")
+            << QStringList{u"accounts"_s, u"add"_s, u"--help"_s} << 0
+            << QStringList{u"Aufruf: varnis accounts add --name N"_s, u"[--vendor-number V]"_s};
+        QTest::newRow("-h of a group")
+            << QStringList{u"metadata"_s, u"-h"_s} << 0 << QStringList{u"Aufruf: varnis metadata BEFEHL"_s};
+        QTest::newRow("help for an unknown command")
+            << QStringList{u"help"_s, u"zaubern"_s} << 2 << QStringList{u"Unbekannter Befehl: zaubern"_s};
+        QTest::newRow("unknown option of accounts")
+            << QStringList{u"accounts"_s, u"list"_s, u"--alle"_s} << 2
+            << QStringList{u"Unbekannte Option: --alle"_s, u"Aufruf: varnis accounts list"_s};
+        QTest::newRow("unknown option of apps")
+            << QStringList{u"apps"_s, u"-x"_s} << 2 << QStringList{u"Unbekannte Option: -x"_s, appsUsage};
+        QTest::newRow("unknown option of audit-log")
+            << QStringList{u"audit-log"_s, u"--bunt=ja"_s} << 2
+            << QStringList{u"Unbekannte Option: --bunt"_s, u"Aufruf: varnis audit-log"_s};
+        QTest::newRow("option of another metadata command")
+            << QStringList{u"metadata"_s, u"show"_s, u"x"_s, u"--yes"_s} << 2
+            << QStringList{u"Unbekannte Option: --yes"_s, u"Aufruf: varnis metadata show"_s};
+        QTest::newRow("switch given a value") << QStringList{u"apps"_s, u"--json=ja"_s} << 2
+                                              << QStringList{u"Die Option --json nimmt keinen Wert."_s};
+        QTest::newRow("option without its value")
+            << QStringList{u"metadata"_s, u"check"_s, u"x"_s, u"--locale"_s} << 2
+            << QStringList{u"Zur Option --locale fehlt der Wert."_s};
+        QTest::newRow("missing required option")
+            << QStringList{u"metadata"_s, u"set"_s, u"x"_s, u"name=Y"_s} << 2
+            << QStringList{u"Es fehlt --locale."_s, u"Aufruf: varnis metadata set"_s};
+        QTest::newRow("missing name") << QStringList{u"accounts"_s, u"remove"_s} << 2
+                                      << QStringList{u"„accounts remove“ braucht genau einen Namen."_s};
+        QTest::newRow("stray argument") << QStringList{u"apps"_s, u"alle"_s} << 2
+                                        << QStringList{u"„apps“ nimmt keine weiteren Angaben."_s, appsUsage};
+        QTest::newRow("group without a member")
+            << QStringList{u"accounts"_s} << 2
+            << QStringList{u"„accounts“ braucht einen Unterbefehl: list, add, remove oder probe."_s};
+        QTest::newRow("unknown member") << QStringList{u"metadata"_s, u"zeigen"_s} << 2
+                                        << QStringList{u"Unbekannter Unterbefehl: metadata zeigen"_s};
+    }
+
+    void helpAndUsage() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, fragments);
+        const Run result = run(arguments, environment(false));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        // Help goes to stdout, a usage error only to stderr.
+        const QString& shown = status == 0 ? result.out : result.err;
+        QVERIFY2((status == 0 ? result.err : result.out).isEmpty(), qPrintable(result.out + result.err));
+        for (const QString& fragment : fragments) {
+            QVERIFY2(shown.contains(fragment), qPrintable(shown));
+        }
+        QVERIFY(m_server->requests().isEmpty());
+    }
+
     void addRefusesAKeyThatIsNoKey() {
         const QString bogus = m_home->filePath(u"AuthKey_ZZZZZ99999.p8"_s);
         QFile file(bogus);
@@ -312,6 +376,88 @@ private Q_SLOTS:
         const Run result = run(arguments, environment(true));
         QVERIFY2(result.exitCode == status, qPrintable(result.err));
         QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    }
+
+    // The outcomes that send nothing, in the words of the store-text screen.
+    void metadataWithoutWrite_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("fragments");
+        QTest::addColumn<bool>("appleRefuses");
+        QTest::newRow("show as text")
+            << QStringList{u"metadata"_s, u"show"_s, u"Nordlicht"_s} << 0
+            << QStringList{u"Nordlicht Journal – Version 2.0 (Zur Einreichung vorbereiten)"_s,
+                           u"== de-DE · "_s, u"Beschreibung: Alt\nKeywords: a,b\n"_s, u"== en-US · "_s,
+                           u"Name: Northern Light"_s}
+            << false;
+        QTest::newRow("text as Apple has it")
+            << QStringList{u"metadata"_s, u"set"_s, u"7"_s, u"--locale"_s, u"de-DE"_s, u"description=Alt"_s}
+            << 0
+            << QStringList{u"Es gab nichts zu speichern – der Text entspricht dem, was bei Apple steht."_s}
+            << false;
+        QTest::newRow("language the app lacks")
+            << QStringList{u"metadata"_s, u"show"_s, u"7"_s, u"--locale"_s, u"fr-FR"_s} << 1
+            << QStringList{u"Die Sprache „fr-FR“ gibt es für diese App nicht."_s} << false;
+        QTest::newRow("texts Apple does not give")
+            << QStringList{u"metadata"_s, u"check"_s, u"Nordlicht"_s} << 1
+            << QStringList{u"Die Store-Texte konnten nicht geladen werden (HTTP 404)"_s} << true;
+    }
+
+    void metadataWithoutWrite() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, fragments);
+        QFETCH(bool, appleRefuses);
+        scriptStoreTexts();
+        if (appleRefuses) {
+            m_server->script("GET", u"/v1/appInfos/i1/appInfoLocalizations"_s,
+                             {TestServer::Reply::json(404, "{}"_ba)});
+        }
+        const Run result = run(arguments, environment(true));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        const QString& shown = status == 0 ? result.out : result.err;
+        for (const QString& fragment : fragments) {
+            QVERIFY2(shown.contains(fragment), qPrintable(shown));
+        }
+        for (const auto& request : m_server->requests()) {
+            QCOMPARE(request.method, "GET"_ba);
+        }
+    }
+
+    // What stops a new account before anything is stored.
+    void addRefusals_data() {
+        QTest::addColumn<QStringList>("extra");
+        QTest::addColumn<bool>("withAccount");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("vendor number with letters") << QStringList{u"--vendor-number"_s, u"12a4"_s} << false
+                                                    << 1 << u"Vendor-Nummern bestehen nur aus Ziffern."_s;
+        QTest::newRow("blank name") << QStringList{u"--name"_s, u"  "_s} << false << 2
+                                    << u"Es fehlt --name."_s;
+        QTest::newRow("key file missing") << QStringList{u"--key-file"_s, u"/nirgends/AuthKey.p8"_s} << false
+                                          << 1 << u"Datei konnte nicht gelesen werden: "_s;
+        QTest::newRow("account from the environment")
+            << QStringList{} << true << 1 << u"werden keine Accounts gespeichert."_s;
+        QTest::newRow("stray argument")
+            << QStringList{u"Studio"_s} << false << 2 << u"„accounts add“ nimmt keine weiteren Angaben."_s;
+    }
+
+    void addRefusals() {
+        QFETCH(QStringList, extra);
+        QFETCH(bool, withAccount);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+        // The later of two values counts, so each row replaces what it names.
+        const QStringList arguments =
+            QStringList{u"accounts"_s, u"add"_s,         u"--name"_s,
+                        u"Studio"_s,   u"--issuer-id"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                        u"--key-id"_s, u"ABCDE12345"_s,  u"--key-file"_s,
+                        m_keyFile} +
+            extra;
+        const Run result = run(arguments, environment(withAccount));
+        QVERIFY2(result.exitCode == status, qPrintable(result.err));
+        QVERIFY2(result.err.contains(message), qPrintable(result.err));
+        QVERIFY(!QFile::exists(m_home->filePath(u"data/Velmora/accounts.json"_s)));
     }
 
     void metadataFileThatIsNotUtf8() {

@@ -1,10 +1,12 @@
 #include "platform/KeychainError.h"
 #include "platform/KeychainSecretStore.h"
+#include "support/AwaitTask.h"
 
 #include <QTest>
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
+using VarnisTest::awaitTask;
 
 namespace {
 
@@ -12,7 +14,7 @@ namespace {
 // this runs outside the private keyring of run-with-keyring.sh.
 const QString testService = u"com.tolsenmark.Velmora.apiKeys.test"_s;
 
-// QCoro::waitFor cannot carry an exception out of a task, so failures come back as values.
+// Failures come back as values, so that a test can compare what was raised.
 struct Outcome {
     QByteArray data;
     std::optional<KeychainError> error;
@@ -65,10 +67,10 @@ private Q_SLOTS:
 
 private:
     Outcome save(const QString& account, const QByteArray& data) {
-        return QCoro::waitFor(outcomeOf(m_store.save(account, data)));
+        return awaitTask(outcomeOf(m_store.save(account, data)));
     }
-    Outcome read(const QString& account) { return QCoro::waitFor(outcomeOf(m_store.read(account))); }
-    Outcome remove(const QString& account) { return QCoro::waitFor(outcomeOf(m_store.remove(account))); }
+    Outcome read(const QString& account) { return awaitTask(outcomeOf(m_store.read(account))); }
+    Outcome remove(const QString& account) { return awaitTask(outcomeOf(m_store.remove(account))); }
 
     KeychainSecretStore m_store{testService};
     QStringList m_used;

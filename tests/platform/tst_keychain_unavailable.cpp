@@ -1,10 +1,12 @@
 #include "platform/KeychainError.h"
 #include "platform/KeychainSecretStore.h"
+#include "support/AwaitTask.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using VarnisTest::awaitTask;
 
 namespace {
 
@@ -58,11 +60,11 @@ void TestKeychainUnavailable::unreachable() {
 
     std::optional<KeychainError> error;
     if (operation == u"save") {
-        error = QCoro::waitFor(failureOf(store.save(account, "geheim"_ba)));
+        error = awaitTask(failureOf(store.save(account, "geheim"_ba)));
     } else if (operation == u"read") {
-        error = QCoro::waitFor(failureOf(readOnly(store.read(account))));
+        error = awaitTask(failureOf(readOnly(store.read(account))));
     } else {
-        error = QCoro::waitFor(failureOf(store.remove(account)));
+        error = awaitTask(failureOf(store.remove(account)));
     }
 
     QVERIFY(error);

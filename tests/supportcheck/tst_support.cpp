@@ -1,7 +1,8 @@
 // Checks of the shared test support: the OpenAPI contract, the fake transport, the loopback
-// server, the in-memory secret store and the throwaway keys.
+// server, the in-memory secret store, the throwaway keys and the wait for a task.
 
 #include "api/JWTService.h"
+#include "platform/Clock.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
@@ -30,6 +31,17 @@ QNetworkRequest jsonRequest(const QUrl& url) {
 
 bool finished(QNetworkReply* reply) {
     return QTest::qWaitFor([reply]() { return reply->isFinished(); }, 10000);
+}
+
+// 7 at once, after a turn of the event loop, never, or an exception, as `how` says.
+QCoro::Task<int> endingBy(ManualClock* clock, QString how) {
+    if (how == u"later"_s || how == u"never"_s) {
+        co_await clock->sleep(1);
+    }
+    if (how == u"raise"_s) {
+        throw std::runtime_error("kaputt");
+    }
+    co_return 7;
 }
 
 HttpRequest apiGet(const QString& pathAndQuery) {
@@ -153,6 +165,42 @@ private Q_SLOTS:
     // MemorySecretStore
 
     // TestKeys
+
+    // awaitTask
+
+    void awaitTaskEndsEveryWait_data() {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<int>("timeoutMs");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("at once") << u"now"_s << 10000 << u"7"_s;
+        QTest::newRow("after a turn of the loop") << u"later"_s << 10000 << u"7"_s;
+        QTest::newRow("raised") << u"raise"_s << 10000 << u"kaputt"_s;
+        // A guard of 0 ms fires on the loop's first turn: no real time passes.
+        QTest::newRow("never") << u"never"_s << 0 << u"the task did not finish within 0 ms"_s;
+    }
+
+    void awaitTaskEndsEveryWait() {
+        QFETCH(QString, how);
+        QFETCH(int, timeoutMs);
+        QFETCH(QString, outcome);
+        ManualClock clock;
+        clock.setAutoAdvance(how == u"later"_s);
+        if (how == u"never"_s) {
+            QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(u"did not finish"_s));
+        }
+        QString result;
+        try {
+            result = QString::number(awaitTask(endingBy(&clock, how), std::chrono::milliseconds(timeoutMs)));
+        } catch (const VarnisTest::TaskTimedOut& timedOut) {
+            result = QString::fromUtf8(timedOut.what());
+        } catch (const std::exception& error) {
+            result = QString::fromUtf8(error.what());
+        }
+        QVERIFY2(result.contains(outcome), qPrintable(result));
+        // A task given up on still finishes somewhere that exists.
+        clock.advance(1);
+        QCoreApplication::processEvents();
+    }
 
 private:
     QNetworkAccessManager m_manager;

@@ -2,6 +2,7 @@
 #include "api/AppStoreConnectClient.h"
 #include "api/DiskCache.h"
 #include "platform/Clock.h"
+#include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
 #include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
@@ -23,6 +24,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using VarnisTest::awaitTask;
 
 namespace {
 
@@ -36,7 +38,7 @@ struct Fixture : TestPlatform {
         const QString issuer = u"57246542-96fe-1a63-e053-0824d011072a"_s;
         const QString keyID = u"ABCDE12345"_s;
         auto task = state->accountStore().addAccount(name, issuer, keyID, pem);
-        return QCoro::waitFor(task);
+        return awaitTask(std::move(task));
     }
 
     void answerApps(const QStringList& names) {
@@ -53,7 +55,7 @@ struct Fixture : TestPlatform {
 
     void loadApps(bool forceRefresh) {
         auto task = state->loadApps(forceRefresh);
-        QCoro::waitFor(task);
+        awaitTask(std::move(task));
     }
 };
 
@@ -209,11 +211,11 @@ void TestAppState::appsServiceCache() {
     Fixture f;
     const Account account = f.addAccount(u"A"_s);
     f.answerApps({u"Alpha"_s});
-    auto client = QCoro::waitFor(f.state->accountStore().makeClient(account));
+    auto client = awaitTask(f.state->accountStore().makeClient(account));
     AppsService& service = f.state->appsService();
     const auto fetch = [&](bool force) {
         auto task = service.apps(account, client, force);
-        return QCoro::waitFor(task);
+        return awaitTask(std::move(task));
     };
 
     QCOMPARE(names(fetch(false)), QStringList{u"Alpha"_s});

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "cli/Command.h"
+#include "workspace/ManagedApp.h"
+
+// varnis apps
+namespace AppsCommand {
+void declare(CommandSyntax& syntax);
+QCoro::Task<int> run(Invocation call);
+
+// The app with this id, else the first in list order whose name contains the text in any case;
+// loads the list when none is there yet.
+QCoro::Task<std::optional<ManagedApp>> findApp(AppState& state, QString query);
+// Exit status 1 with the message when no account is there to ask Apple with.
+std::optional<int> requireAccount(const Invocation& call);
+} // namespace AppsCommand
