@@ -79,26 +79,37 @@ QString sampleFor(const QString& locale) {
     return u"Fotos schnell bearbeiten – schöne Filter für Groß und Klein, übersichtlich & einfach"_s;
 }
 
+int limitOf(MetadataField field) {
+    return MetadataFields::info(field).limit.value_or(0);
+}
+
+// The texts of the fields that have a limit.
+QList<QString> limitedTexts(const ManagedLocalization& l) {
+    QList<QString> texts;
+    for (const MetadataFieldInfo& field : MetadataFields::table()) {
+        if (field.limit) {
+            texts.append(MetadataFields::text(l, field.field));
+        }
+    }
+    return texts;
+}
+
 ManagedLocalization fullLength(const QString& locale) {
     const QString sample = sampleFor(locale);
     ManagedLocalization l;
     l.locale = locale;
     l.appInfoLocalizationID = u"ai-"_s + locale;
     l.versionLocalizationID = u"v-"_s + locale;
-    l.name = graphemes(sample, MetadataValidator::nameLimit);
-    l.subtitle = graphemes(sample.mid(7), MetadataValidator::subtitleLimit);
+    l.name = graphemes(sample, limitOf(MetadataField::Name));
+    l.subtitle = graphemes(sample.mid(7), limitOf(MetadataField::Subtitle));
     l.privacyPolicyURL = u"https://example.com/datenschutz"_s;
-    l.description = graphemes(sample + u"\n"_s + locale, MetadataValidator::descriptionLimit);
-    l.keywords = keywordList(sample, MetadataValidator::keywordsLimit);
-    l.promotionalText = graphemes(sample.mid(3), MetadataValidator::promotionalTextLimit);
-    l.whatsNew = graphemes(locale + u": "_s + sample, MetadataValidator::whatsNewLimit);
+    l.description = graphemes(sample + u"\n"_s + locale, limitOf(MetadataField::Description));
+    l.keywords = keywordList(sample, limitOf(MetadataField::Keywords));
+    l.promotionalText = graphemes(sample.mid(3), limitOf(MetadataField::PromotionalText));
+    l.whatsNew = graphemes(locale + u": "_s + sample, limitOf(MetadataField::WhatsNew));
     l.supportURL = u"https://example.com/hilfe/"_s + locale;
     l.marketingURL = u"https://example.com"_s;
     return l;
-}
-
-QList<QString> limitedTexts(const ManagedLocalization& l) {
-    return {l.name, l.subtitle, l.keywords, l.description, l.promotionalText, l.whatsNew};
 }
 
 template <typename Body> double medianMicros(int rounds, Body&& body) {
@@ -127,16 +138,9 @@ int main(int argc, char** argv) {
     const MetadataValidator::Context context{u"Fotostudio Pro"_s, false};
 
     // Every text must sit exactly at its limit, or the figures measure something else.
-    const QList<int> limits{MetadataValidator::nameLimit,
-                            MetadataValidator::subtitleLimit,
-                            MetadataValidator::keywordsLimit,
-                            MetadataValidator::descriptionLimit,
-                            MetadataValidator::promotionalTextLimit,
-                            MetadataValidator::whatsNewLimit};
     for (const ManagedLocalization& l : std::as_const(localizations)) {
-        const QList<QString> texts = limitedTexts(l);
-        for (int i = 0; i < texts.size(); ++i) {
-            if (MetadataValidator::characterCount(texts.at(i)) != limits.at(i)) {
+        for (const MetadataFieldInfo& field : MetadataFields::table()) {
+            if (field.limit && MetadataValidator::characterCount(l.*field.member) != *field.limit) {
                 std::fprintf(stderr, "%s: a text is not at its limit\n", qPrintable(l.locale));
                 return 1;
             }

@@ -16,9 +16,6 @@
 class AppStoreConnectClient;
 class Clock;
 
-// The two resources that make up one language at Apple.
-enum class LocalizationSide { AppInfo, Version };
-
 // Which sides a write of one language reached at Apple.
 struct LocalizationSides {
     bool appInfo = false;

@@ -6,22 +6,34 @@
 
 using namespace Qt::StringLiterals;
 
-ASCAppInfoLocalizationAttributes ASCAppInfoLocalizationAttributes::fromJson(const JsonReader& r) {
-    return ASCAppInfoLocalizationAttributes{r.optString(u"locale"_s),
-                                            r.optString(u"name"_s),
-                                            r.optString(u"subtitle"_s),
-                                            r.optString(u"privacyPolicyUrl"_s),
-                                            r.optString(u"privacyChoicesUrl"_s),
-                                            r.optString(u"privacyPolicyText"_s)};
+template <LocalizationSide Side>
+ASCLocalizationAttributes<Side> ASCLocalizationAttributes<Side>::fromJson(const JsonReader& r) {
+    ASCLocalizationAttributes attributes;
+    attributes.locale = r.optString(u"locale"_s);
+    for (const MetadataFieldInfo& field : MetadataFields::table()) {
+        if (field.side != Side) {
+            continue;
+        }
+        if (auto text = r.optString(field.wireKey.toString())) {
+            attributes.texts.insert(field.field, *text);
+        }
+    }
+    return attributes;
 }
 
-ASCAppStoreVersionLocalizationAttributes
-ASCAppStoreVersionLocalizationAttributes::fromJson(const JsonReader& r) {
-    return ASCAppStoreVersionLocalizationAttributes{
-        r.optString(u"description"_s),  r.optString(u"locale"_s),          r.optString(u"keywords"_s),
-        r.optString(u"marketingUrl"_s), r.optString(u"promotionalText"_s), r.optString(u"supportUrl"_s),
-        r.optString(u"whatsNew"_s)};
+template struct ASCLocalizationAttributes<LocalizationSide::AppInfo>;
+template struct ASCLocalizationAttributes<LocalizationSide::Version>;
+
+namespace {
+
+// An absent text stays empty: absent and empty are one state here.
+void takeTexts(ManagedLocalization& l, const QMap<MetadataField, QString>& texts) {
+    for (auto it = texts.cbegin(); it != texts.cend(); ++it) {
+        l.*MetadataFields::info(it.key()).member = it.value();
+    }
 }
+
+} // namespace
 
 ManagedLocalization
 ManagedLocalization::fromResources(const std::optional<AppInfoLocalizationResource>& appInfo,
@@ -31,12 +43,7 @@ ManagedLocalization::fromResources(const std::optional<AppInfoLocalizationResour
         l.versionLocalizationID = version->id;
         if (const auto& a = version->attributes) {
             l.locale = a->locale.value_or(QString());
-            l.description = a->description.value_or(QString());
-            l.keywords = a->keywords.value_or(QString());
-            l.promotionalText = a->promotionalText.value_or(QString());
-            l.whatsNew = a->whatsNew.value_or(QString());
-            l.marketingURL = a->marketingUrl.value_or(QString());
-            l.supportURL = a->supportUrl.value_or(QString());
+            takeTexts(l, a->texts);
         }
     }
     if (appInfo) {
@@ -45,34 +52,17 @@ ManagedLocalization::fromResources(const std::optional<AppInfoLocalizationResour
             if (a->locale) {
                 l.locale = *a->locale;
             }
-            l.name = a->name.value_or(QString());
-            l.subtitle = a->subtitle.value_or(QString());
-            l.privacyPolicyURL = a->privacyPolicyUrl.value_or(QString());
-            l.privacyChoicesURL = a->privacyChoicesUrl.value_or(QString());
-            l.privacyPolicyText = a->privacyPolicyText.value_or(QString());
+            takeTexts(l, a->texts);
         }
     }
     return l;
 }
 
 QStringList ManagedLocalization::differingFieldNames(const ManagedLocalization& other) const {
-    const std::pair<QString ManagedLocalization::*, QString> fields[] = {
-        {&ManagedLocalization::name, u"Name"_s},
-        {&ManagedLocalization::subtitle, u"Untertitel"_s},
-        {&ManagedLocalization::privacyPolicyURL, u"Datenschutz-URL"_s},
-        {&ManagedLocalization::privacyChoicesURL, u"Datenschutzwahl-URL"_s},
-        {&ManagedLocalization::privacyPolicyText, u"Datenschutztext"_s},
-        {&ManagedLocalization::description, u"Beschreibung"_s},
-        {&ManagedLocalization::keywords, u"Keywords"_s},
-        {&ManagedLocalization::promotionalText, u"Werbetext"_s},
-        {&ManagedLocalization::whatsNew, u"Neuerungen"_s},
-        {&ManagedLocalization::marketingURL, u"Marketing-URL"_s},
-        {&ManagedLocalization::supportURL, u"Support-URL"_s},
-    };
     QStringList names;
-    for (const auto& [field, label] : fields) {
-        if (this->*field != other.*field) {
-            names.append(label);
+    for (const MetadataFieldInfo& field : MetadataFields::table()) {
+        if (this->*field.member != other.*field.member) {
+            names.append(field.label.toString());
         }
     }
     return names;

@@ -1,35 +1,24 @@
 #pragma once
 
+#include "metadata/MetadataFields.h"
 #include "wire/JSONAPI.h"
 
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 
-// The wire attributes of an app-info localization; every one may be absent.
-struct ASCAppInfoLocalizationAttributes {
+// The wire attributes of one side of a language: the locale and the texts of the side's fields
+// that Apple sent. Every one may be absent.
+template <LocalizationSide Side> struct ASCLocalizationAttributes {
     std::optional<QString> locale;
-    std::optional<QString> name;
-    std::optional<QString> subtitle;
-    std::optional<QString> privacyPolicyUrl;
-    std::optional<QString> privacyChoicesUrl;
-    std::optional<QString> privacyPolicyText;
-    static ASCAppInfoLocalizationAttributes fromJson(const JsonReader& r);
+    QMap<MetadataField, QString> texts;
+    static ASCLocalizationAttributes fromJson(const JsonReader& r);
 };
-
-// The wire attributes of a version localization; every one may be absent.
-struct ASCAppStoreVersionLocalizationAttributes {
-    std::optional<QString> description;
-    std::optional<QString> locale;
-    std::optional<QString> keywords;
-    std::optional<QString> marketingUrl;
-    std::optional<QString> promotionalText;
-    std::optional<QString> supportUrl;
-    std::optional<QString> whatsNew;
-    static ASCAppStoreVersionLocalizationAttributes fromJson(const JsonReader& r);
-};
+using ASCAppInfoLocalizationAttributes = ASCLocalizationAttributes<LocalizationSide::AppInfo>;
+using ASCAppStoreVersionLocalizationAttributes = ASCLocalizationAttributes<LocalizationSide::Version>;
 
 using AppInfoLocalizationResource = JSONAPIResource<ASCAppInfoLocalizationAttributes>;
 using VersionLocalizationResource = JSONAPIResource<ASCAppStoreVersionLocalizationAttributes>;
@@ -57,7 +46,8 @@ struct ManagedLocalization {
     static ManagedLocalization fromResources(const std::optional<AppInfoLocalizationResource>& appInfo,
                                              const std::optional<VersionLocalizationResource>& version);
 
-    // German labels of the editable fields whose texts differ exactly, in the order of the editor.
+    // German labels of the fields whose texts differ exactly: the app-info side first, in the order
+    // a save writes them.
     QStringList differingFieldNames(const ManagedLocalization& other) const;
 
     friend bool operator==(const ManagedLocalization&, const ManagedLocalization&) = default;

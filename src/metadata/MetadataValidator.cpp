@@ -8,75 +8,9 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <limits>
 
 using namespace Qt::StringLiterals;
-
-namespace MetadataFields {
-
-QList<MetadataField> all() {
-    return {MetadataField::Name,        MetadataField::Subtitle,        MetadataField::Keywords,
-            MetadataField::Description, MetadataField::PromotionalText, MetadataField::WhatsNew,
-            MetadataField::SupportURL,  MetadataField::MarketingURL,    MetadataField::PrivacyPolicyURL};
-}
-
-QString rawValue(MetadataField field) {
-    switch (field) {
-    case MetadataField::Name:
-        return u"name"_s;
-    case MetadataField::Subtitle:
-        return u"subtitle"_s;
-    case MetadataField::Keywords:
-        return u"keywords"_s;
-    case MetadataField::Description:
-        return u"description"_s;
-    case MetadataField::PromotionalText:
-        return u"promotionalText"_s;
-    case MetadataField::WhatsNew:
-        return u"whatsNew"_s;
-    case MetadataField::SupportURL:
-        return u"supportURL"_s;
-    case MetadataField::MarketingURL:
-        return u"marketingURL"_s;
-    case MetadataField::PrivacyPolicyURL:
-        return u"privacyPolicyURL"_s;
-    }
-    return {};
-}
-
-std::optional<MetadataField> fromRaw(const QString& raw) {
-    for (MetadataField field : all()) {
-        if (rawValue(field) == raw) {
-            return field;
-        }
-    }
-    return std::nullopt;
-}
-
-QString text(const ManagedLocalization& l, MetadataField field) {
-    switch (field) {
-    case MetadataField::Name:
-        return l.name;
-    case MetadataField::Subtitle:
-        return l.subtitle;
-    case MetadataField::Keywords:
-        return l.keywords;
-    case MetadataField::Description:
-        return l.description;
-    case MetadataField::PromotionalText:
-        return l.promotionalText;
-    case MetadataField::WhatsNew:
-        return l.whatsNew;
-    case MetadataField::SupportURL:
-        return l.supportURL;
-    case MetadataField::MarketingURL:
-        return l.marketingURL;
-    case MetadataField::PrivacyPolicyURL:
-        return l.privacyPolicyURL;
-    }
-    return {};
-}
-
-} // namespace MetadataFields
 
 QList<MetadataFinding> MetadataValidationResult::findingsFor(MetadataField field) const {
     QList<MetadataFinding> kept;
@@ -152,8 +86,16 @@ QString tooLongExplanation(int limit) {
     return u"Apple erlaubt höchstens %1 Zeichen und weist längere Texte ab."_s.arg(limit);
 }
 
-// A too-long rule: "<label> zu lang (count/limit)".
-void lengthStep(Run& run, const Rule& rule, const QString& text, int limit, const QString& label) {
+// Only fields with a limit are measured.
+int limitOf(MetadataField field) {
+    const std::optional<int> limit = MetadataFields::info(field).limit;
+    Q_ASSERT(limit);
+    return limit.value_or(std::numeric_limits<int>::max());
+}
+
+// A too-long rule: "<label> zu lang (count/limit)", with the field's limit.
+void lengthStep(Run& run, const Rule& rule, const QString& text, const QString& label) {
+    const int limit = limitOf(rule.field);
     const int count = MetadataValidator::characterCount(text);
     run.step(rule, count > limit, [&] {
         return std::pair{u"%1 zu lang (%2/%3)"_s.arg(label).arg(count).arg(limit), tooLongExplanation(limit)};
@@ -180,7 +122,7 @@ void appInfoRules(Run& run, const ManagedLocalization& l) {
     // A name of blanks still has a length: only the truly empty text skips the limit.
     if (!l.name.isEmpty()) {
         lengthStep(run, {u"name.tooLong"_s, MetadataField::Name, Severity::Confirmed, 5, true}, l.name,
-                   MetadataValidator::nameLimit, u"App-Name"_s);
+                   u"App-Name"_s);
     }
 
     const bool subtitleBlank = isBlank(l.subtitle);
@@ -191,7 +133,7 @@ void appInfoRules(Run& run, const ManagedLocalization& l) {
         u"ungenutzter Platz für die wichtigste Aussage der App."_s);
     if (!l.subtitle.isEmpty()) {
         lengthStep(run, {u"subtitle.tooLong"_s, MetadataField::Subtitle, Severity::Confirmed, 5, true},
-                   l.subtitle, MetadataValidator::subtitleLimit, u"Untertitel"_s);
+                   l.subtitle, u"Untertitel"_s);
     }
     if (!subtitleBlank && !nameBlank) {
         // Case folding rather than a collator: it finds "FOTOSTUDIO" in "Das Fotostudio" in every
@@ -250,7 +192,7 @@ void keywordRules(Run& run, const QString& keywords, const QString& appName) {
         return;
     }
 
-    const int limit = MetadataValidator::keywordsLimit;
+    const int limit = limitOf(field);
     const int count = MetadataValidator::characterCount(keywords);
     run.step({u"keywords.tooLong"_s, field, Severity::Confirmed, 5, true}, count > limit, [&] {
         return std::pair{u"Keywords zu lang (%1/%2)"_s.arg(count).arg(limit),
@@ -286,7 +228,7 @@ void keywordRules(Run& run, const QString& keywords, const QString& appName) {
         return std::pair{
             u"Doppelte Keywords: "_s + sortedJoined(duplicates),
             u"Ein Begriff wirkt durch Wiederholung nicht stärker, verbraucht aber jedes Mal Zeichen "
-            u"vom 100er-Budget."_s};
+            u"vom %1er-Budget."_s.arg(limit)};
     });
 
     QStringList nameTerms;
@@ -303,8 +245,8 @@ void keywordRules(Run& run, const QString& keywords, const QString& appName) {
 
     run.step({u"keywords.spacesAfterCommas"_s, field, Severity::Recommendation, 0},
              keywords.contains(u", "_s), u"Leerzeichen nach Kommas"_s,
-             u"Jedes Leerzeichen zählt gegen das 100-Zeichen-Budget. „a,b,c“ statt „a, b, c“ macht mehr "
-             u"Suchbegriffe möglich."_s);
+             u"Jedes Leerzeichen zählt gegen das %1-Zeichen-Budget. „a,b,c“ statt „a, b, c“ macht mehr "
+             u"Suchbegriffe möglich."_s.arg(limit));
 
     static const QString forbidden = u"!?.;:\"'()[]{}<>|/\\*#@&%$€"_s;
     QStringList offending;
@@ -326,7 +268,7 @@ void versionRules(Run& run, const ManagedLocalization& l, const MetadataValidato
     run.step({u"description.empty"_s, MetadataField::Description, Severity::Confirmed, 5}, descriptionBlank,
              u"Beschreibung fehlt"_s, u"Die Beschreibung ist für jede angelegte Sprache Pflicht."_s);
     if (!descriptionBlank) {
-        const int limit = MetadataValidator::descriptionLimit;
+        const int limit = limitOf(MetadataField::Description);
         const int threshold = MetadataValidator::shortDescriptionThreshold;
         const int count = MetadataValidator::characterCount(l.description);
         run.step({u"description.tooLong"_s, MetadataField::Description, Severity::Confirmed, 5, true},
@@ -354,7 +296,7 @@ void versionRules(Run& run, const ManagedLocalization& l, const MetadataValidato
     if (!promoBlank) {
         lengthStep(
             run, {u"promotionalText.tooLong"_s, MetadataField::PromotionalText, Severity::Confirmed, 5, true},
-            l.promotionalText, MetadataValidator::promotionalTextLimit, u"Werbetext"_s);
+            l.promotionalText, u"Werbetext"_s);
     }
 
     // The first release has nothing to tell about news, so neither rule runs for it.
@@ -365,7 +307,7 @@ void versionRules(Run& run, const ManagedLocalization& l, const MetadataValidato
                  u"Ab dem zweiten Release verlangt Apple je Sprache einen Text zu den Neuerungen."_s);
         if (!whatsNewBlank) {
             lengthStep(run, {u"whatsNew.tooLong"_s, MetadataField::WhatsNew, Severity::Confirmed, 5, true},
-                       l.whatsNew, MetadataValidator::whatsNewLimit, u"Neues in dieser Version"_s);
+                       l.whatsNew, u"Neues in dieser Version"_s);
         }
     }
 
@@ -380,28 +322,6 @@ void versionRules(Run& run, const ManagedLocalization& l, const MetadataValidato
 }
 
 } // namespace
-
-std::optional<int> MetadataValidator::characterLimit(MetadataField field) {
-    switch (field) {
-    case MetadataField::Name:
-        return nameLimit;
-    case MetadataField::Subtitle:
-        return subtitleLimit;
-    case MetadataField::Keywords:
-        return keywordsLimit;
-    case MetadataField::Description:
-        return descriptionLimit;
-    case MetadataField::PromotionalText:
-        return promotionalTextLimit;
-    case MetadataField::WhatsNew:
-        return whatsNewLimit;
-    case MetadataField::SupportURL:
-    case MetadataField::MarketingURL:
-    case MetadataField::PrivacyPolicyURL:
-        return std::nullopt;
-    }
-    return std::nullopt;
-}
 
 int MetadataValidator::characterCount(const QString& text) {
     if (text.isEmpty()) {

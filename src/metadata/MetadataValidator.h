@@ -8,27 +8,6 @@
 
 #include <optional>
 
-// The store texts of one language. The raw value is the case name.
-enum class MetadataField {
-    Name,
-    Subtitle,
-    Keywords,
-    Description,
-    PromotionalText,
-    WhatsNew,
-    SupportURL,
-    MarketingURL,
-    PrivacyPolicyURL,
-};
-
-namespace MetadataFields {
-QList<MetadataField> all();
-QString rawValue(MetadataField field);
-std::optional<MetadataField> fromRaw(const QString& raw);
-// The text of `field` in `localization`, untrimmed.
-QString text(const ManagedLocalization& localization, MetadataField field);
-} // namespace MetadataFields
-
 // One rule that a language's texts fail. `rule` is a stable dotted id ("keywords.tooLong").
 struct MetadataFinding {
     QString rule;
@@ -59,8 +38,8 @@ struct MetadataValidationResult {
     friend bool operator==(const MetadataValidationResult&, const MetadataValidationResult&) = default;
 };
 
-// Checks the texts of a language against Apple's limits and against what makes a good store page,
-// before anything is sent. Stateless and pure: no network, no clock.
+// Checks the texts of a language against Apple's limits (those of MetadataFields) and against what makes a
+// good store page, before anything is sent. Stateless and pure: no network, no clock.
 class MetadataValidator {
 public:
     struct Context {
@@ -69,17 +48,9 @@ public:
         bool isFirstVersion = false;
     };
 
-    static constexpr int nameLimit = 30;
-    static constexpr int subtitleLimit = 30;
-    static constexpr int keywordsLimit = 100;
-    static constexpr int descriptionLimit = 4000;
-    static constexpr int promotionalTextLimit = 170;
-    static constexpr int whatsNewLimit = 4000;
     // Below this many characters a description reads as unfinished.
     static constexpr int shortDescriptionThreshold = 200;
 
-    // The character limit of a field, for the counter beside it; URLs have none.
-    static std::optional<int> characterLimit(MetadataField field);
     // User-perceived characters (grapheme clusters) of the untrimmed text.
     static int characterCount(const QString& text);
 

@@ -75,39 +75,18 @@ MetadataViewModel::MetadataViewModel(AppState& state, ManagedApp app, QObject* p
 
 MetadataViewModel::~MetadataViewModel() = default;
 
-const QList<MetadataViewModel::FieldSpec>& MetadataViewModel::fieldSpecs() {
-    using L = ManagedLocalization;
-    using F = MetadataField;
-    static const QList<FieldSpec> specs{
-        {u"name"_s, u"Name"_s, &L::name, F::Name, false},
-        {u"subtitle"_s, u"Untertitel"_s, &L::subtitle, F::Subtitle, false},
-        {u"promotionalText"_s, u"Werbetext"_s, &L::promotionalText, F::PromotionalText, true},
-        {u"description"_s, u"Beschreibung"_s, &L::description, F::Description, true},
-        {u"keywords"_s, u"Keywords"_s, &L::keywords, F::Keywords, false},
-        {u"whatsNew"_s, u"Neuerungen"_s, &L::whatsNew, F::WhatsNew, true},
-        {u"supportURL"_s, u"Support-URL"_s, &L::supportURL, F::SupportURL, false},
-        {u"marketingURL"_s, u"Marketing-URL"_s, &L::marketingURL, F::MarketingURL, false},
-        {u"privacyPolicyURL"_s, u"Datenschutz-URL"_s, &L::privacyPolicyURL, F::PrivacyPolicyURL, false},
-        {u"privacyChoicesURL"_s, u"Datenschutzwahl-URL"_s, &L::privacyChoicesURL, std::nullopt, false},
-        {u"privacyPolicyText"_s, u"Datenschutztext"_s, &L::privacyPolicyText, std::nullopt, true},
-    };
-    return specs;
-}
-
 QList<QPair<QString, QString>> MetadataViewModel::fieldKeysAndLabels() {
     QList<QPair<QString, QString>> result;
-    for (const auto& entry : fieldSpecs()) {
-        result.append({entry.key, entry.label});
+    for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+        result.append({field.key.toString(), field.label.toString()});
     }
     return result;
 }
 
 std::optional<QString> MetadataViewModel::fieldText(const ManagedLocalization& localization,
                                                     const QString& key) {
-    for (const auto& entry : fieldSpecs()) {
-        if (entry.key == key) {
-            return localization.*entry.member;
-        }
+    if (const auto field = MetadataFields::fromRaw(key)) {
+        return MetadataFields::text(localization, *field);
     }
     return std::nullopt;
 }
@@ -319,17 +298,17 @@ void MetadataViewModel::setField(const QString& key, const QString& text) {
     if (!m_editBuffer) {
         return;
     }
-    for (const auto& entry : fieldSpecs()) {
-        if (entry.key == key) {
-            if ((*m_editBuffer).*entry.member == text) {
-                return;
-            }
-            ManagedLocalization edited = *m_editBuffer;
-            edited.*entry.member = text;
-            editBufferWith(edited);
-            return;
-        }
+    const auto field = MetadataFields::fromRaw(key);
+    if (!field) {
+        return;
     }
+    const auto member = MetadataFields::info(*field).member;
+    if ((*m_editBuffer).*member == text) {
+        return;
+    }
+    ManagedLocalization edited = *m_editBuffer;
+    edited.*member = text;
+    editBufferWith(edited);
 }
 
 std::optional<MetadataValidationResult> MetadataViewModel::validation() const {
@@ -673,34 +652,31 @@ void MetadataViewModel::publishFields() {
     if (m_editBuffer) {
         const auto result = validation();
         const bool restricted = restrictedFieldsHint().has_value();
-        for (const auto& entry : fieldSpecs()) {
-            const QString text = (*m_editBuffer).*entry.member;
+        for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+            const QString key = field.key.toString();
+            const QString label = field.label.toString();
+            const QString text = (*m_editBuffer).*field.member;
             QString countText;
             bool overLimit = false;
+            if (field.limit) {
+                const int count = MetadataValidator::characterCount(text);
+                countText = u"%1/%2"_s.arg(count).arg(*field.limit);
+                overLimit = count > *field.limit;
+            }
             QStringList blocking;
             QStringList warnings;
-            if (entry.validated) {
-                if (auto limit = MetadataValidator::characterLimit(*entry.validated)) {
-                    const int count = MetadataValidator::characterCount(text);
-                    countText = u"%1/%2"_s.arg(count).arg(*limit);
-                    overLimit = count > *limit;
-                }
-                if (result) {
-                    for (const auto& finding : result->findingsFor(*entry.validated)) {
-                        (finding.severity == ReleaseCheckSeverity::Confirmed ? blocking : warnings)
-                            .append(findingLine(finding));
-                    }
+            if (result) {
+                for (const auto& finding : result->findingsFor(field.field)) {
+                    (finding.severity == ReleaseCheckSeverity::Confirmed ? blocking : warnings)
+                        .append(findingLine(finding));
                 }
             }
             // A live or reviewed version takes only some fields; the others are marked in advance.
-            const bool versionBound =
-                entry.key == u"description"_s || entry.key == u"keywords"_s || entry.key == u"whatsNew"_s;
-            const bool isRestricted = restricted && versionBound;
+            const bool isRestricted = restricted && field.needsNewVersion;
             rows.append(
-                {entry.key, entry.label,
-                 isRestricted ? entry.label + u" (nur mit neuer Version)"_s : entry.label, text, countText,
-                 countText.isEmpty() ? QString() : entry.label + u": "_s + countText + u" Zeichen"_s,
-                 overLimit, isRestricted, entry.multiline, blocking.join(u'\n'), warnings.join(u'\n')});
+                {key, label, isRestricted ? label + u" (nur mit neuer Version)"_s : label, text, countText,
+                 countText.isEmpty() ? QString() : label + u": "_s + countText + u" Zeichen"_s, overLimit,
+                 isRestricted, field.multiline, blocking.join(u'\n'), warnings.join(u'\n')});
         }
     }
     m_fields->setRows(rows);

@@ -186,15 +186,6 @@ Q_SIGNALS:
     void pendingWriteChanged();
 
 private:
-    struct FieldSpec {
-        QString key;
-        QString label;
-        QString ManagedLocalization::*member;
-        std::optional<MetadataField> validated;
-        bool multiline;
-    };
-    static const QList<FieldSpec>& fieldSpecs();
-
     // What the plain properties showed last, so that each signal goes out only on a change.
     struct Published {
         QString versionHeading;

@@ -1,32 +1,6 @@
 #include "release/ManagedPhasedRelease.h"
 
-#include "wire/RawValueTable.h"
-
 using namespace Qt::StringLiterals;
-
-namespace {
-using C = ASCPhasedReleaseState::Case;
-constexpr std::array<RawValueRow<C>, 4> stateTable{{
-    {C::Inactive, u"INACTIVE", u"Vorbereitet"},
-    {C::Active, u"ACTIVE", u"Läuft"},
-    {C::Paused, u"PAUSED", u"Pausiert"},
-    {C::Complete, u"COMPLETE", u"Abgeschlossen"},
-}};
-} // namespace
-
-ASCPhasedReleaseState ASCPhasedReleaseState::fromRaw(const QString& raw) {
-    ASCPhasedReleaseState s;
-    assignRaw(stateTable, raw, s.m_case, s.m_unknown);
-    return s;
-}
-
-QString ASCPhasedReleaseState::raw() const {
-    return rawText(stateTable, m_case, m_unknown);
-}
-
-QString ASCPhasedReleaseState::displayName() const {
-    return labelText(stateTable, m_case, m_unknown);
-}
 
 ASCPhasedReleaseAttributes ASCPhasedReleaseAttributes::fromJson(const JsonReader& r) {
     return ASCPhasedReleaseAttributes{r.optString(u"phasedReleaseState"_s), r.optDate(u"startDate"_s),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "wire/JsonReader.h"
+#include "wire/OpenEnum.h"
 
 #include <QDateTime>
 #include <QString>
@@ -8,23 +9,17 @@
 #include <array>
 #include <optional>
 
-// Where a seven-day staged rollout stands. A text Apple adds later is kept in Unknown.
-class ASCPhasedReleaseState {
-public:
+// Where a seven-day staged rollout stands.
+struct PhasedReleaseStateTraits {
     enum class Case { Unknown, Inactive, Active, Paused, Complete };
-    ASCPhasedReleaseState() = default;
-    explicit ASCPhasedReleaseState(Case c) : m_case(c) {}
-    static ASCPhasedReleaseState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    // "Vorbereitet", "Läuft", "Pausiert", "Abgeschlossen"; an unknown state shows its raw text.
-    QString displayName() const;
-    friend bool operator==(const ASCPhasedReleaseState&, const ASCPhasedReleaseState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 4> rows{{
+        {Case::Inactive, u"INACTIVE", u"Vorbereitet"},
+        {Case::Active, u"ACTIVE", u"Läuft"},
+        {Case::Paused, u"PAUSED", u"Pausiert"},
+        {Case::Complete, u"COMPLETE", u"Abgeschlossen"},
+    }};
 };
+using ASCPhasedReleaseState = OpenEnum<PhasedReleaseStateTraits>;
 
 struct ASCPhasedReleaseAttributes {
     std::optional<QString> phasedReleaseState;

@@ -1,53 +1,6 @@
 #include "release/ManagedReviewSubmission.h"
 
-#include "wire/RawValueTable.h"
-
 using namespace Qt::StringLiterals;
-
-namespace {
-using S = ASCReviewSubmissionState::Case;
-constexpr std::array<RawValueRow<S>, 6> submissionTable{{
-    {S::ReadyForReview, u"READY_FOR_REVIEW", u"Bereit zur Einreichung"},
-    {S::WaitingForReview, u"WAITING_FOR_REVIEW", u"Warten auf Prüfung"},
-    {S::InReview, u"IN_REVIEW", u"In Prüfung"},
-    {S::UnresolvedIssues, u"UNRESOLVED_ISSUES", u"Offene Beanstandungen"},
-    {S::Canceling, u"CANCELING", u"Wird zurückgezogen"},
-    {S::Complete, u"COMPLETE", u"Abgeschlossen"},
-}};
-
-using I = ASCReviewSubmissionItemState::Case;
-constexpr std::array<RawValueRow<I>, 5> itemTable{{
-    {I::ReadyForReview, u"READY_FOR_REVIEW"},
-    {I::Accepted, u"ACCEPTED"},
-    {I::Approved, u"APPROVED"},
-    {I::Rejected, u"REJECTED"},
-    {I::Removed, u"REMOVED"},
-}};
-} // namespace
-
-ASCReviewSubmissionState ASCReviewSubmissionState::fromRaw(const QString& raw) {
-    ASCReviewSubmissionState s;
-    assignRaw(submissionTable, raw, s.m_case, s.m_unknown);
-    return s;
-}
-
-QString ASCReviewSubmissionState::raw() const {
-    return rawText(submissionTable, m_case, m_unknown);
-}
-
-QString ASCReviewSubmissionState::displayName() const {
-    return labelText(submissionTable, m_case, m_unknown);
-}
-
-ASCReviewSubmissionItemState ASCReviewSubmissionItemState::fromRaw(const QString& raw) {
-    ASCReviewSubmissionItemState s;
-    assignRaw(itemTable, raw, s.m_case, s.m_unknown);
-    return s;
-}
-
-QString ASCReviewSubmissionItemState::raw() const {
-    return rawText(itemTable, m_case, m_unknown);
-}
 
 ASCReviewSubmissionAttributes ASCReviewSubmissionAttributes::fromJson(const JsonReader& r) {
     return ASCReviewSubmissionAttributes{r.optString(u"platform"_s), r.optString(u"state"_s),

@@ -12,10 +12,8 @@
 
 #include <optional>
 
-// Where a review submission stands at Apple. A text Apple adds later is kept in Unknown and
-// shown as it is.
-class ASCReviewSubmissionState {
-public:
+// Where a review submission stands at Apple.
+struct ReviewSubmissionStateTraits {
     enum class Case {
         Unknown,
         ReadyForReview,
@@ -25,34 +23,28 @@ public:
         Canceling,
         Complete
     };
-    ASCReviewSubmissionState() = default;
-    explicit ASCReviewSubmissionState(Case c) : m_case(c) {}
-    static ASCReviewSubmissionState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    QString displayName() const;
-    friend bool operator==(const ASCReviewSubmissionState&, const ASCReviewSubmissionState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 6> rows{{
+        {Case::ReadyForReview, u"READY_FOR_REVIEW", u"Bereit zur Einreichung"},
+        {Case::WaitingForReview, u"WAITING_FOR_REVIEW", u"Warten auf Prüfung"},
+        {Case::InReview, u"IN_REVIEW", u"In Prüfung"},
+        {Case::UnresolvedIssues, u"UNRESOLVED_ISSUES", u"Offene Beanstandungen"},
+        {Case::Canceling, u"CANCELING", u"Wird zurückgezogen"},
+        {Case::Complete, u"COMPLETE", u"Abgeschlossen"},
+    }};
 };
+using ASCReviewSubmissionState = OpenEnum<ReviewSubmissionStateTraits>;
 
-class ASCReviewSubmissionItemState {
-public:
+struct ReviewSubmissionItemStateTraits {
     enum class Case { Unknown, ReadyForReview, Accepted, Approved, Rejected, Removed };
-    ASCReviewSubmissionItemState() = default;
-    explicit ASCReviewSubmissionItemState(Case c) : m_case(c) {}
-    static ASCReviewSubmissionItemState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    friend bool operator==(const ASCReviewSubmissionItemState&,
-                           const ASCReviewSubmissionItemState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 5> rows{{
+        {Case::ReadyForReview, u"READY_FOR_REVIEW"},
+        {Case::Accepted, u"ACCEPTED"},
+        {Case::Approved, u"APPROVED"},
+        {Case::Rejected, u"REJECTED"},
+        {Case::Removed, u"REMOVED"},
+    }};
 };
+using ASCReviewSubmissionItemState = OpenEnum<ReviewSubmissionItemStateTraits>;
 
 struct ASCReviewSubmissionAttributes {
     std::optional<QString> platform;

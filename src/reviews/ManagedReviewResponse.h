@@ -1,25 +1,21 @@
 #pragma once
 
+#include "wire/OpenEnum.h"
+
 #include <QDateTime>
 #include <QString>
 
 #include <optional>
 
-// Whether a reply is visible in the store yet. A text Apple adds later is kept in Unknown.
-class ASCReviewResponseState {
-public:
+// Whether a reply is visible in the store yet.
+struct ReviewResponseStateTraits {
     enum class Case { Unknown, Published, PendingPublish };
-    ASCReviewResponseState() = default;
-    explicit ASCReviewResponseState(Case c) : m_case(c) {}
-    static ASCReviewResponseState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    friend bool operator==(const ASCReviewResponseState&, const ASCReviewResponseState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 2> rows{{
+        {Case::Published, u"PUBLISHED"},
+        {Case::PendingPublish, u"PENDING_PUBLISH"},
+    }};
 };
+using ASCReviewResponseState = OpenEnum<ReviewResponseStateTraits>;
 
 // The developer's reply to a review.
 struct ManagedReviewResponse {

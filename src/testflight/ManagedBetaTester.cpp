@@ -12,15 +12,6 @@ constexpr std::array<RawValueRow<I>, 2> inviteTable{{
     {I::Email, u"EMAIL"},
     {I::PublicLink, u"PUBLIC_LINK"},
 }};
-
-using S = ASCBetaTesterState::Case;
-constexpr std::array<RawValueRow<S>, 5> stateTable{{
-    {S::NotInvited, u"NOT_INVITED"},
-    {S::Invited, u"INVITED"},
-    {S::Accepted, u"ACCEPTED"},
-    {S::Installed, u"INSTALLED"},
-    {S::Revoked, u"REVOKED"},
-}};
 } // namespace
 
 QString ASCBetaInviteTypes::rawValue(ASCBetaInviteType type) {
@@ -29,16 +20,6 @@ QString ASCBetaInviteTypes::rawValue(ASCBetaInviteType type) {
 
 std::optional<ASCBetaInviteType> ASCBetaInviteTypes::fromRaw(const QString& raw) {
     return caseForRaw(inviteTable, raw);
-}
-
-ASCBetaTesterState ASCBetaTesterState::fromRaw(const QString& raw) {
-    ASCBetaTesterState s;
-    assignRaw(stateTable, raw, s.m_case, s.m_unknown);
-    return s;
-}
-
-QString ASCBetaTesterState::raw() const {
-    return rawText(stateTable, m_case, m_unknown);
 }
 
 QString ManagedBetaTester::displayName() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "wire/OpenEnum.h"
+
 #include <QString>
 
 #include <optional>
@@ -12,21 +14,18 @@ QString rawValue(ASCBetaInviteType type);
 std::optional<ASCBetaInviteType> fromRaw(const QString& raw);
 } // namespace ASCBetaInviteTypes
 
-// Where a tester stands with the app. A text Apple adds later is kept in Unknown.
-class ASCBetaTesterState {
-public:
+// Where a tester stands with the app.
+struct BetaTesterStateTraits {
     enum class Case { Unknown, NotInvited, Invited, Accepted, Installed, Revoked };
-    ASCBetaTesterState() = default;
-    explicit ASCBetaTesterState(Case c) : m_case(c) {}
-    static ASCBetaTesterState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    friend bool operator==(const ASCBetaTesterState&, const ASCBetaTesterState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 5> rows{{
+        {Case::NotInvited, u"NOT_INVITED"},
+        {Case::Invited, u"INVITED"},
+        {Case::Accepted, u"ACCEPTED"},
+        {Case::Installed, u"INSTALLED"},
+        {Case::Revoked, u"REVOKED"},
+    }};
 };
+using ASCBetaTesterState = OpenEnum<BetaTesterStateTraits>;
 
 struct ManagedBetaTester {
     QString id;

@@ -1,22 +1,15 @@
 #pragma once
 
-#include <QString>
+#include "wire/OpenEnum.h"
 
-// Where an uploaded asset stands at Apple. A text Apple adds later is kept in Unknown and given
-// back unchanged.
-class ASCAssetDeliveryState {
-public:
+// Where an uploaded asset stands at Apple; the label is that of a screenshot tile.
+struct AssetDeliveryStateTraits {
     enum class Case { Unknown, AwaitingUpload, UploadComplete, Complete, Failed };
-    ASCAssetDeliveryState() = default;
-    explicit ASCAssetDeliveryState(Case c) : m_case(c) {}
-    static ASCAssetDeliveryState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    // The label of a screenshot tile; an unknown state shows its raw text.
-    QString label() const;
-    friend bool operator==(const ASCAssetDeliveryState&, const ASCAssetDeliveryState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 4> rows{{
+        {Case::AwaitingUpload, u"AWAITING_UPLOAD", u"Wartet auf Upload"},
+        {Case::UploadComplete, u"UPLOAD_COMPLETE", u"Hochgeladen"},
+        {Case::Complete, u"COMPLETE", u"Fertig"},
+        {Case::Failed, u"FAILED", u"Fehlgeschlagen"},
+    }};
 };
+using ASCAssetDeliveryState = OpenEnum<AssetDeliveryStateTraits>;

@@ -1,43 +1,32 @@
 #pragma once
 
-#include <QString>
+#include "wire/OpenEnum.h"
 
-// Enumerations of the API that more than one area uses. Each keeps a text it does not know in
-// its Unknown case and gives it back unchanged, so that a new value from Apple never breaks
-// decoding.
+// Enumerations of the API that more than one area uses.
 
-class ASCPlatform {
-public:
+struct PlatformTraits {
     enum class Case { Unknown, Ios, MacOS, TvOS, VisionOS };
-    ASCPlatform() = default;
-    explicit ASCPlatform(Case c) : m_case(c) {}
-    static ASCPlatform fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    friend bool operator==(const ASCPlatform&, const ASCPlatform&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 4> rows{{
+        {Case::Ios, u"IOS"},
+        {Case::MacOS, u"MAC_OS"},
+        {Case::TvOS, u"TV_OS"},
+        {Case::VisionOS, u"VISION_OS"},
+    }};
 };
+using ASCPlatform = OpenEnum<PlatformTraits>;
 
-class ASCProcessingState {
-public:
+struct ProcessingStateTraits {
     enum class Case { Unknown, Processing, Failed, Invalid, Valid };
-    ASCProcessingState() = default;
-    explicit ASCProcessingState(Case c) : m_case(c) {}
-    static ASCProcessingState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    friend bool operator==(const ASCProcessingState&, const ASCProcessingState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 4> rows{{
+        {Case::Processing, u"PROCESSING"},
+        {Case::Failed, u"FAILED"},
+        {Case::Invalid, u"INVALID"},
+        {Case::Valid, u"VALID"},
+    }};
 };
+using ASCProcessingState = OpenEnum<ProcessingStateTraits>;
 
-class ASCAppStoreVersionState {
-public:
+struct AppStoreVersionStateTraits {
     enum class Case {
         Unknown,
         Accepted,
@@ -61,16 +50,27 @@ public:
         ReplacedWithNewVersion,
         NotApplicable,
     };
-    ASCAppStoreVersionState() = default;
-    explicit ASCAppStoreVersionState(Case c) : m_case(c) {}
-    static ASCAppStoreVersionState fromRaw(const QString& raw);
-    Case value() const { return m_case; }
-    QString raw() const;
-    QString displayName() const;
-    static QString displayName(const QString& raw) { return fromRaw(raw).displayName(); }
-    friend bool operator==(const ASCAppStoreVersionState&, const ASCAppStoreVersionState&) = default;
-
-private:
-    Case m_case = Case::Unknown;
-    QString m_unknown;
+    static constexpr std::array<RawValueRow<Case>, 20> rows{{
+        {Case::Accepted, u"ACCEPTED", u"Akzeptiert"},
+        {Case::DeveloperRemovedFromSale, u"DEVELOPER_REMOVED_FROM_SALE", u"Vom Verkauf genommen"},
+        {Case::DeveloperRejected, u"DEVELOPER_REJECTED", u"Vom Entwickler abgelehnt"},
+        {Case::InReview, u"IN_REVIEW", u"In Review"},
+        {Case::InvalidBinary, u"INVALID_BINARY", u"Ungültige Binärdatei"},
+        {Case::MetadataRejected, u"METADATA_REJECTED", u"Metadaten abgelehnt"},
+        {Case::PendingAppleRelease, u"PENDING_APPLE_RELEASE", u"Warten auf Apple-Freigabe"},
+        {Case::PendingContract, u"PENDING_CONTRACT", u"Vertrag ausstehend"},
+        {Case::PendingDeveloperRelease, u"PENDING_DEVELOPER_RELEASE", u"Warten auf Freigabe"},
+        {Case::PrepareForSubmission, u"PREPARE_FOR_SUBMISSION", u"Zur Einreichung vorbereiten"},
+        {Case::PreorderReadyForSale, u"PREORDER_READY_FOR_SALE", u"Vorbestellung bereit"},
+        {Case::ProcessingForAppStore, u"PROCESSING_FOR_APP_STORE", u"Wird verarbeitet"},
+        {Case::ReadyForReview, u"READY_FOR_REVIEW", u"Bereit zur Prüfung"},
+        {Case::ReadyForSale, u"READY_FOR_SALE", u"Im Verkauf"},
+        {Case::Rejected, u"REJECTED", u"Abgelehnt"},
+        {Case::RemovedFromSale, u"REMOVED_FROM_SALE", u"Vom Verkauf entfernt"},
+        {Case::WaitingForExportCompliance, u"WAITING_FOR_EXPORT_COMPLIANCE", u"Warten auf Exportkonformität"},
+        {Case::WaitingForReview, u"WAITING_FOR_REVIEW", u"Warten auf Prüfung"},
+        {Case::ReplacedWithNewVersion, u"REPLACED_WITH_NEW_VERSION", u"Durch neue Version ersetzt"},
+        {Case::NotApplicable, u"NOT_APPLICABLE", u"Nicht zutreffend"},
+    }};
 };
+using ASCAppStoreVersionState = OpenEnum<AppStoreVersionStateTraits>;

@@ -213,19 +213,26 @@ QList<ManagedLocalization> MockData::localizations(const QString& appID) {
     }
     const auto fill = [&](const QString& locale, const QString& suffix, const SampleTexts& t,
                           const QString& site) {
+        using F = MetadataField;
+        const bool german = suffix == u"de"_s;
+        const std::pair<MetadataField, QString> texts[] = {
+            {F::Name, name},
+            {F::Subtitle, t.subtitle},
+            {F::PrivacyPolicyURL, site + (german ? u"/datenschutz"_s : u"/privacy"_s)},
+            {F::Description, t.description},
+            {F::Keywords, t.keywords},
+            {F::PromotionalText, t.promotionalText},
+            {F::WhatsNew, t.whatsNew},
+            {F::MarketingURL, site},
+            {F::SupportURL, site + (german ? u"/hilfe"_s : u"/support"_s)},
+        };
         ManagedLocalization l;
         l.locale = locale;
         l.appInfoLocalizationID = appID + u"-info-"_s + suffix;
-        l.name = name;
-        l.subtitle = t.subtitle;
-        l.privacyPolicyURL = site + (suffix == u"de"_s ? u"/datenschutz"_s : u"/privacy"_s);
         l.versionLocalizationID = appID + u"-ver-"_s + suffix;
-        l.description = t.description;
-        l.keywords = t.keywords;
-        l.promotionalText = t.promotionalText;
-        l.whatsNew = t.whatsNew;
-        l.marketingURL = site;
-        l.supportURL = site + (suffix == u"de"_s ? u"/hilfe"_s : u"/support"_s);
+        for (const auto& [field, text] : texts) {
+            l.*MetadataFields::info(field).member = text;
+        }
         return l;
     };
     const QString site = u"https://"_s + (slug.isEmpty() ? u"example"_s : slug) + u".example.com"_s;

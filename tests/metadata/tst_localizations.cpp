@@ -98,6 +98,12 @@ QByteArray page(const QString& type, const QString& textKey, const QStringList& 
     return QJsonDocument(QJsonObject{{u"data"_s, data}, {u"links"_s, QJsonObject{}}}).toJson();
 }
 
+// A list of one resource.
+QByteArray pageOf(const QJsonObject& resource) {
+    return QJsonDocument(QJsonObject{{u"data"_s, QJsonArray{resource}}, {u"links"_s, QJsonObject{}}})
+        .toJson();
+}
+
 QByteArray single(const QJsonObject& object) {
     return QJsonDocument(QJsonObject{{u"data"_s, object}}).toJson();
 }
@@ -297,6 +303,68 @@ private Q_SLOTS:
         edit(other);
         QCOMPARE(german().differingFieldNames(other), expected);
         QCOMPARE(other.differingFieldNames(german()), expected);
+    }
+
+    void everyFieldTravelsUnderItsWireKey_data() {
+        QTest::addColumn<MetadataField>("field");
+        for (const MetadataFieldInfo& field : MetadataFields::table()) {
+            QTest::newRow(field.key.toLatin1().constData()) << field.field;
+        }
+    }
+
+    // Read from Apple's resource of its side into its own field only, written back in a PATCH and
+    // a POST of that side under the same key, which Apple's document declares.
+    void everyFieldTravelsUnderItsWireKey() {
+        QFETCH(MetadataField, field);
+        const MetadataFieldInfo& info = MetadataFields::info(field);
+        const QString key = info.wireKey.toString();
+        const bool onAppInfo = info.side == LocalizationSide::AppInfo;
+        const QString text = u" Grüße \U0001F600\n"_s;
+        QJsonObject infoAttributes{{u"locale"_s, u"de-DE"_s}};
+        QJsonObject versionAttributes{{u"locale"_s, u"de-DE"_s}};
+        (onAppInfo ? infoAttributes : versionAttributes).insert(key, text);
+        m_transport->script(
+            "GET", infoPath,
+            {Answer::json(200, pageOf(resource(u"appInfoLocalizations"_s, u"i1"_s, infoAttributes)))});
+        m_transport->script("GET", versionPath,
+                            {Answer::json(200, pageOf(resource(u"appStoreVersionLocalizations"_s, u"v1"_s,
+                                                               versionAttributes)))});
+        const QList<ManagedLocalization> loaded = load();
+        QCOMPARE(loaded.size(), 1);
+        const ManagedLocalization& read = loaded.first();
+        for (const MetadataFieldInfo& other : MetadataFields::table()) {
+            QCOMPARE(MetadataFields::text(read, other.field), other.field == field ? text : QString());
+        }
+
+        m_transport->script("PATCH", u"/v1/appInfoLocalizations/i1"_s, {Answer::json(200, "{}"_ba)});
+        m_transport->script("PATCH", u"/v1/appStoreVersionLocalizations/v1"_s, {Answer::json(200, "{}"_ba)});
+        ManagedLocalization edited = read;
+        edited.*info.member = u"Neu"_s;
+        m_transport->clearRequests();
+        const LocalizationSides sent = VarnisTest::awaitTask(m_service->save(edited, read, client()));
+        QCOMPARE(sent, (LocalizationSides{onAppInfo, !onAppInfo}));
+        QCOMPARE(m_transport->requestCount(), 1);
+        const QJsonObject patched = QJsonDocument::fromJson(m_transport->requests().first().body)
+                                        .object()[u"data"_s][u"attributes"_s]
+                                        .toObject();
+        QCOMPARE(patched, (QJsonObject{{key, u"Neu"_s}}));
+
+        const auto echo = [](QString type, QString id) {
+            return [type, id](const HttpRequest& request) {
+                const QJsonValue sent =
+                    QJsonDocument::fromJson(request.body).object()[u"data"_s][u"attributes"_s];
+                return Answer::json(201, single(resource(type, id, sent.toObject())));
+            };
+        };
+        m_transport->route("POST", u"/v1/appInfoLocalizations"_s, echo(u"appInfoLocalizations"_s, u"i2"_s));
+        m_transport->route("POST", u"/v1/appStoreVersionLocalizations"_s,
+                           echo(u"appStoreVersionLocalizations"_s, u"v2"_s));
+        ManagedLocalization seed;
+        seed.*info.member = u"  Neu  "_s;
+        const ManagedLocalization created = VarnisTest::awaitTask(
+            m_service->createLocalization(u"fr-FR"_s, u"info-1"_s, u"ver-1"_s, seed, client()));
+        QCOMPARE(MetadataFields::text(created, field), u"Neu"_s);
+        verifyWriteBodies();
     }
 
     // The wire form of a save: only changed fields, an emptied text as null, a new text untrimmed.

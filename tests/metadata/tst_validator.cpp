@@ -46,18 +46,8 @@ const MetadataFinding* findingOf(const MetadataValidationResult& r, const QStrin
 // A family emoji: five code points, eight UTF-16 units, one character.
 const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467"_s;
 
-// The members in the order of MetadataField.
 void setField(ManagedLocalization& l, MetadataField field, const QString& text) {
-    QString ManagedLocalization::*const members[] = {&ManagedLocalization::name,
-                                                     &ManagedLocalization::subtitle,
-                                                     &ManagedLocalization::keywords,
-                                                     &ManagedLocalization::description,
-                                                     &ManagedLocalization::promotionalText,
-                                                     &ManagedLocalization::whatsNew,
-                                                     &ManagedLocalization::supportURL,
-                                                     &ManagedLocalization::marketingURL,
-                                                     &ManagedLocalization::privacyPolicyURL};
-    l.*members[int(field)] = text;
+    l.*MetadataFields::info(field).member = text;
 }
 
 } // namespace
@@ -68,6 +58,8 @@ class TestValidator : public QObject {
 private Q_SLOTS:
     void lengthLimits_data();
     void lengthLimits();
+    void everyFieldHasItsLimit_data();
+    void everyFieldHasItsLimit();
     void keywords_data();
     void keywords();
     void gatesAndCounters();
@@ -153,6 +145,36 @@ void TestValidator::lengthLimits() {
         QCOMPARE(f.severity, ReleaseCheckSeverity::Confirmed);
         QVERIFY(f.canFixAutomatically);
         QCOMPARE(f.weight, 5);
+    }
+}
+
+void TestValidator::everyFieldHasItsLimit_data() {
+    QTest::addColumn<MetadataField>("field");
+    for (const MetadataFieldInfo& field : MetadataFields::table()) {
+        QTest::newRow(field.key.toLatin1().constData()) << field.field;
+    }
+}
+
+// Each field is measured against the limit of its row, in user-perceived characters; a field
+// without a limit takes any length.
+void TestValidator::everyFieldHasItsLimit() {
+    QFETCH(MetadataField, field);
+    const MetadataFieldInfo& info = MetadataFields::info(field);
+    const QString rule = info.key.toString() + u".tooLong"_s;
+    const int limit = info.limit.value_or(5000);
+    for (const int length : {limit, limit + 1}) {
+        ManagedLocalization l = clean();
+        setField(l, field, family.repeated(length));
+        const MetadataValidationResult r = MetadataValidator::validate(l, context);
+        const bool tooLong = info.limit && length > *info.limit;
+        QCOMPARE(findingOf(r, rule) != nullptr, tooLong);
+        if (tooLong) {
+            QCOMPARE(findingOf(r, rule)->field, field);
+            QVERIFY(findingOf(r, rule)->title.endsWith(u"(%1/%2)"_s.arg(length).arg(limit)));
+        }
+        for (const MetadataFinding& f : r.findings) {
+            QVERIFY2(!f.rule.endsWith(u".tooLong"_s) || f.rule == rule, qPrintable(f.rule));
+        }
     }
 }
 

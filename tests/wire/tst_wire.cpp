@@ -1,4 +1,9 @@
+#include "release/ManagedPhasedRelease.h"
+#include "release/ManagedReviewSubmission.h"
+#include "reviews/ManagedReviewResponse.h"
+#include "testflight/ManagedBetaTester.h"
 #include "wire/APIRequest.h"
+#include "wire/ASCAssetDeliveryState.h"
 #include "wire/ASCEnums.h"
 #include "wire/AppleErrorDocument.h"
 #include "wire/FieldUpdate.h"
@@ -27,6 +32,27 @@ QList<QueryItem> items(const QStringList& pairs) {
     return result;
 }
 
+// One text read through an open enumeration.
+struct Decoded {
+    bool known = false;
+    QString raw;
+    QString displayName;
+    QString rawOfCase;
+    bool equalToSameText = false;
+    bool equalToOtherText = true;
+};
+using Decode = Decoded (*)(const QString&);
+
+template <class E> Decoded decode(const QString& raw) {
+    const E e = E::fromRaw(raw);
+    return Decoded{e.value() != E::Case::Unknown,
+                   e.raw(),
+                   e.displayName(),
+                   E(e.value()).raw(),
+                   e == E::fromRaw(QString(raw)),
+                   e == E::fromRaw(raw + u'X')};
+}
+
 // The error text, or an empty text when `f` does not raise.
 template <class F> QString decodingFailure(F f) {
     try {
@@ -39,6 +65,8 @@ template <class F> QString decodingFailure(F f) {
 
 } // namespace
 
+Q_DECLARE_METATYPE(Decode)
+
 class TestWire : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -48,9 +76,8 @@ private Q_SLOTS:
     void fieldUpdate();
     void dates_data();
     void dates();
-    void versionState_data();
-    void versionState();
-    void otherEnumsKeepUnknownText();
+    void openEnums_data();
+    void openEnums();
     void errorDescription_data();
     void errorDescription();
     void jsonReaderStrictness_data();
@@ -142,38 +169,49 @@ void TestWire::dates() {
     }
 }
 
-void TestWire::versionState_data() {
+void TestWire::openEnums_data() {
+    QTest::addColumn<Decode>("decode");
     QTest::addColumn<QString>("raw");
-    QTest::addColumn<ASCAppStoreVersionState::Case>("value");
+    QTest::addColumn<bool>("known");
     QTest::addColumn<QString>("display");
-    using C = ASCAppStoreVersionState::Case;
-    QTest::newRow("first") << u"ACCEPTED"_s << C::Accepted << u"Akzeptiert"_s;
-    QTest::newRow("umlaut") << u"WAITING_FOR_EXPORT_COMPLIANCE"_s << C::WaitingForExportCompliance
-                            << u"Warten auf Exportkonformität"_s;
-    QTest::newRow("last") << u"NOT_APPLICABLE"_s << C::NotApplicable << u"Nicht zutreffend"_s;
-    QTest::newRow("new from Apple") << u"SOMETHING_NEW"_s << C::Unknown << u"SOMETHING_NEW"_s;
-    QTest::newRow("wrong case") << u"accepted"_s << C::Unknown << u"accepted"_s;
+    const auto row = [](const char* name, Decode decode, const QString& raw, bool known,
+                        const QString& display) {
+        QTest::newRow(name) << decode << raw << known << display;
+    };
+    row("version state, first", decode<ASCAppStoreVersionState>, u"ACCEPTED"_s, true, u"Akzeptiert"_s);
+    row("version state, umlaut", decode<ASCAppStoreVersionState>, u"WAITING_FOR_EXPORT_COMPLIANCE"_s, true,
+        u"Warten auf Exportkonformität"_s);
+    row("version state, last", decode<ASCAppStoreVersionState>, u"NOT_APPLICABLE"_s, true,
+        u"Nicht zutreffend"_s);
+    row("version state, new from Apple", decode<ASCAppStoreVersionState>, u"SOMETHING_NEW"_s, false,
+        u"SOMETHING_NEW"_s);
+    row("version state, wrong case", decode<ASCAppStoreVersionState>, u"accepted"_s, false, u"accepted"_s);
+    row("platform without label", decode<ASCPlatform>, u"VISION_OS"_s, true, u"VISION_OS"_s);
+    row("platform, new", decode<ASCPlatform>, u"WATCH_OS"_s, false, u"WATCH_OS"_s);
+    row("platform, blank kept", decode<ASCPlatform>, u" IOS"_s, false, u" IOS"_s);
+    row("processing, new", decode<ASCProcessingState>, u"QUEUED"_s, false, u"QUEUED"_s);
+    row("phased release", decode<ASCPhasedReleaseState>, u"ACTIVE"_s, true, u"Läuft"_s);
+    row("review submission", decode<ASCReviewSubmissionState>, u"UNRESOLVED_ISSUES"_s, true,
+        u"Offene Beanstandungen"_s);
+    row("review item, new", decode<ASCReviewSubmissionItemState>, u"WITHDRAWN"_s, false, u"WITHDRAWN"_s);
+    row("asset delivery", decode<ASCAssetDeliveryState>, u"FAILED"_s, true, u"Fehlgeschlagen"_s);
+    row("review response", decode<ASCReviewResponseState>, u"PENDING_PUBLISH"_s, true, u"PENDING_PUBLISH"_s);
+    row("beta tester, empty text", decode<ASCBetaTesterState>, QString(), false, QString());
 }
 
-void TestWire::versionState() {
+void TestWire::openEnums() {
+    QFETCH(Decode, decode);
     QFETCH(QString, raw);
-    QFETCH(ASCAppStoreVersionState::Case, value);
+    QFETCH(bool, known);
     QFETCH(QString, display);
-    const auto state = ASCAppStoreVersionState::fromRaw(raw);
-    QCOMPARE(state.value(), value);
-    QCOMPARE(state.raw(), raw);
-    QCOMPARE(state.displayName(), display);
-    QCOMPARE(ASCAppStoreVersionState::displayName(raw), display);
-}
-
-void TestWire::otherEnumsKeepUnknownText() {
-    QCOMPARE(ASCPlatform::fromRaw(u"VISION_OS"_s).value(), ASCPlatform::Case::VisionOS);
-    QCOMPARE(ASCPlatform::fromRaw(u"WATCH_OS"_s).value(), ASCPlatform::Case::Unknown);
-    QCOMPARE(ASCPlatform::fromRaw(u"WATCH_OS"_s).raw(), u"WATCH_OS"_s);
-    QVERIFY(ASCPlatform::fromRaw(u"WATCH_OS"_s) != ASCPlatform::fromRaw(u"CAR_OS"_s));
-    QCOMPARE(ASCPlatform(ASCPlatform::Case::MacOS).raw(), u"MAC_OS"_s);
-    QCOMPARE(ASCProcessingState::fromRaw(u"VALID"_s).value(), ASCProcessingState::Case::Valid);
-    QCOMPARE(ASCProcessingState::fromRaw(u"QUEUED"_s).raw(), u"QUEUED"_s);
+    const Decoded d = decode(raw);
+    QCOMPARE(d.known, known);
+    QCOMPARE(d.raw, raw);
+    QCOMPARE(d.displayName, display);
+    // The case alone carries a known text; an unknown one lives only in the decoded value.
+    QCOMPARE(d.rawOfCase, known ? raw : QString());
+    QVERIFY(d.equalToSameText);
+    QVERIFY(!d.equalToOtherText);
 }
 
 void TestWire::errorDescription_data() {
