@@ -99,7 +99,7 @@ void UiShell::start() {
     *connection = connect(window, &QQuickWindow::frameSwapped, this, [this, connection] {
         disconnect(*connection);
         // On the next turn of the event loop: the frame is out, and nothing here holds it up.
-        QTimer::singleShot(0, this, &UiShell::afterFirstFrame);
+        QTimer::singleShot(0, Qt::PreciseTimer, this, &UiShell::afterFirstFrame);
     });
 }
 
