@@ -6,6 +6,7 @@
 #include <QCoro/QCoroTask>
 #include <QHash>
 #include <QObject>
+#include <QSet>
 
 #include <memory>
 #include <optional>
@@ -14,6 +15,7 @@ class AppStoreConnectClient;
 class AuditLog;
 class RateLimitGovernor;
 class TruncationRegistry;
+class WaitAnnouncer;
 
 // The accounts: metadata in accounts.json, private keys in the secret store, and the objects
 // that every client shares (governor, truncation registry, change log). Makes clients.
@@ -29,7 +31,11 @@ public:
     std::optional<Account> selectedAccount() const;
     std::optional<Account> account(const QUuid& id) const;
 
-    // Raises KeychainError; the list stays unchanged then.
+    // Raises KeychainError; the list stays unchanged then. The same key (issuer and key id) under
+    // the same name, or for an account whose key went missing, is that account again: its key is
+    // stored anew and name and vendor number follow. The id of a new account follows from issuer,
+    // key id and name, so that a key left in the keychain by an interrupted add is replaced by
+    // the next add of that key under that name.
     QCoro::Task<Account> addAccount(QString name, QString issuerID, QString keyID, QByteArray privateKeyPEM,
                                     std::optional<QString> vendorNumber = std::nullopt);
     QCoro::Task<> removeAccount(Account account);
@@ -37,6 +43,11 @@ public:
 
     // The account's private key (raises KeychainError; encodingFailed if it is not UTF-8).
     QCoro::Task<QByteArray> privateKey(Account account);
+    // Looks into the keychain: true only when it holds no key for the account (an interrupted
+    // add or remove); a keychain that cannot be asked is another matter and answers false.
+    QCoro::Task<bool> checkKeyMissing(Account account);
+    // What the last look into the keychain found for the account, without looking again.
+    bool isKeyMissing(const QUuid& id) const { return m_missingKeys.contains(id); }
     // A fresh client with the shared governor, registry and change log; raises KeychainError.
     QCoro::Task<std::shared_ptr<AppStoreConnectClient>> makeClient(Account account);
     // The same from a key already at hand.
@@ -57,14 +68,20 @@ public:
     const std::shared_ptr<RateLimitGovernor>& rateLimitGovernor() const { return m_governor; }
     const std::shared_ptr<TruncationRegistry>& truncationRegistry() const { return m_truncation; }
     const std::shared_ptr<AuditLog>& auditLog() const { return m_auditLog; }
+    // Handed to every client made from now on.
+    void setWaitAnnouncer(std::shared_ptr<WaitAnnouncer> announcer) {
+        m_waitAnnouncer = std::move(announcer);
+    }
 
 Q_SIGNALS:
     void accountsChanged();
     void selectedAccountChanged();
+    void missingKeysChanged();
 
 private:
     void load();
     void persist();
+    void noteKeyMissing(const QUuid& id, bool missing);
 
     Platform m_platform;
     QList<Account> m_accounts;
@@ -72,5 +89,7 @@ private:
     std::shared_ptr<RateLimitGovernor> m_governor;
     std::shared_ptr<TruncationRegistry> m_truncation;
     std::shared_ptr<AuditLog> m_auditLog;
+    std::shared_ptr<WaitAnnouncer> m_waitAnnouncer;
     std::optional<QByteArray> m_ephemeralKey;
+    QSet<QUuid> m_missingKeys;
 };

@@ -22,7 +22,8 @@ std::unique_ptr<RequestPipeline> apiPipeline(const AppStoreConnectClient::Parts&
     // The order is the one written down with the stages.
     std::vector<std::unique_ptr<PipelineStage>> stages;
     stages.push_back(std::make_unique<ErrorMappingStage>(ErrorMappingStage::Kind::Api));
-    stages.push_back(std::make_unique<RetryStage>(parts.clock));
+    stages.push_back(std::make_unique<RetryStage>(parts.clock, RetryStage::Policy::ApiAnswers,
+                                                  parts.waitAnnouncer, parts.accountName));
     stages.push_back(std::make_unique<AuditStage>(parts.auditLog, parts.clock, parts.accountName));
     stages.push_back(std::make_unique<GovernorStage>(parts.governor));
     stages.push_back(std::make_unique<TokenStage>(parts.auth, parts.clock));
@@ -33,7 +34,8 @@ std::unique_ptr<RequestPipeline> apiPipeline(const AppStoreConnectClient::Parts&
 std::unique_ptr<RequestPipeline> storagePipeline(const AppStoreConnectClient::Parts& parts) {
     std::vector<std::unique_ptr<PipelineStage>> stages;
     stages.push_back(std::make_unique<ErrorMappingStage>(ErrorMappingStage::Kind::Storage));
-    stages.push_back(std::make_unique<RetryStage>(parts.clock, RetryStage::Policy::ConnectivityOnly));
+    stages.push_back(std::make_unique<RetryStage>(parts.clock, RetryStage::Policy::ConnectivityOnly,
+                                                  parts.waitAnnouncer, parts.accountName));
     return std::make_unique<RequestPipeline>(std::move(stages), parts.transport);
 }
 

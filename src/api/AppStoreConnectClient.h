@@ -20,6 +20,7 @@ class HttpTransport;
 class RateLimitGovernor;
 class RequestCoalescer;
 class TruncationRegistry;
+class WaitAnnouncer;
 
 // The only object that talks to the API. It is cheap and made per use; what must outlive it
 // (governor, truncation registry, audit log) is handed in. Always held by shared_ptr, so that a
@@ -36,6 +37,8 @@ public:
         std::shared_ptr<AuditLog> auditLog;
         std::shared_ptr<RateLimitGovernor> governor;
         std::shared_ptr<TruncationRegistry> truncationRegistry;
+        // Who tells the user of a long wait; absent: waits pass in silence.
+        std::shared_ptr<WaitAnnouncer> waitAnnouncer;
     };
 
     static std::shared_ptr<AppStoreConnectClient> create(Parts parts);

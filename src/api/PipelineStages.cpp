@@ -94,8 +94,23 @@ QCoro::Task<HttpResponse> RetryStage::process(PipelineCall call, PipelineNext ne
         } else {
             co_return response;
         }
-        co_await m_clock->sleep(wait);
+        co_await pause(wait, offline ? WaitAnnouncer::Reason::Offline : WaitAnnouncer::Reason::RateLimited);
     }
+}
+
+QCoro::Task<> RetryStage::pause(double seconds, WaitAnnouncer::Reason reason) {
+    if (!m_announcer || seconds <= WaitAnnouncer::threshold) {
+        co_await m_clock->sleep(seconds);
+        co_return;
+    }
+    const QDateTime until = m_clock->now().addMSecs(qint64(seconds * 1000));
+    // Ends the announcement also when the waiting call is dropped half-way.
+    struct Announced {
+        WaitAnnouncer* announcer;
+        int wait;
+        ~Announced() { announcer->ended(wait); }
+    } announced{m_announcer.get(), m_announcer->started(reason, until, m_accountName)};
+    co_await m_clock->sleep(seconds);
 }
 
 QCoro::Task<HttpResponse> AuditStage::process(PipelineCall call, PipelineNext next) {

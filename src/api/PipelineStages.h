@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/RequestPipeline.h"
+#include "api/WaitAnnouncer.h"
 
 #include <QString>
 
@@ -32,20 +33,27 @@ private:
 // The one place that tries again. Up to four tries: after a 429 it waits for Retry-After or
 // 2, 4, 6 s, after a 5xx for 1.5, 3, 4.5 s; every other answer, and the last one, goes up as
 // it came. Without a network it waits for one (2, 4, 8 … 30 s) for up to five minutes; those
-// waits count as no try. Storage uploads only wait for the network.
+// waits count as no try. Storage uploads only wait for the network. A wait longer than the
+// announcer's threshold is announced for as long as it lasts.
 class RetryStage : public PipelineStage {
 public:
     static constexpr int maxAttempts = 4;
     static constexpr double connectivityWindow = 300;
     enum class Policy { ApiAnswers, ConnectivityOnly };
 
-    explicit RetryStage(std::shared_ptr<Clock> clock, Policy policy = Policy::ApiAnswers)
-        : m_clock(std::move(clock)), m_policy(policy) {}
+    explicit RetryStage(std::shared_ptr<Clock> clock, Policy policy = Policy::ApiAnswers,
+                        std::shared_ptr<WaitAnnouncer> announcer = {}, QString accountName = {})
+        : m_clock(std::move(clock)), m_policy(policy), m_announcer(std::move(announcer)),
+          m_accountName(std::move(accountName)) {}
     QCoro::Task<HttpResponse> process(PipelineCall call, PipelineNext next) override;
 
 private:
+    QCoro::Task<> pause(double seconds, WaitAnnouncer::Reason reason);
+
     std::shared_ptr<Clock> m_clock;
     Policy m_policy;
+    std::shared_ptr<WaitAnnouncer> m_announcer;
+    QString m_accountName;
 };
 
 // One entry per attempt of a write that got an answer; reads leave none.

@@ -1,6 +1,10 @@
 #include "cli/CommandLine.h"
 
+#include "api/AccountStore.h"
+#include "api/WaitAnnouncer.h"
 #include "cli/Command.h"
+#include "platform/Clock.h"
+#include "workspace/AppState.h"
 
 #include <QTextStream>
 
@@ -95,10 +99,37 @@ QString groupUsage(const QString& group) {
            u"\nMehr zu einem Befehl: varnis help %1 BEFEHL\n"_s.arg(group);
 }
 
+// On the command line there is no task bar: a long wait is one line on stderr, so that a
+// script's log says why nothing happens.
+class StderrWaitAnnouncer final : public WaitAnnouncer {
+public:
+    StderrWaitAnnouncer(QTextStream& err, std::shared_ptr<Clock> clock)
+        : m_err(err), m_clock(std::move(clock)) {}
+    int started(Reason reason, QDateTime until, QString accountName) override {
+        const QString text = describe(reason, until, m_clock->now());
+        m_err << (accountName.isEmpty() ? text : accountName + u": "_s + text) << u"\n"_s;
+        m_err.flush();
+        return 0;
+    }
+    void ended(int) override {}
+
+private:
+    QTextStream& m_err;
+    std::shared_ptr<Clock> m_clock;
+};
+
 } // namespace
 
 CommandLine::CommandLine(AppState& state, QTextStream& out, QTextStream& err)
-    : m_state(state), m_out(out), m_err(err) {}
+    : m_state(state), m_out(out), m_err(err) {
+    m_state.accountStore().setWaitAnnouncer(
+        std::make_shared<StderrWaitAnnouncer>(m_err, m_state.platform().clock));
+}
+
+CommandLine::~CommandLine() {
+    // The announcer writes to `m_err`, which may go with this object.
+    m_state.accountStore().setWaitAnnouncer({});
+}
 
 QString CommandLine::helpText() {
     QList<QPair<QString, QString>> commands;

@@ -13,6 +13,9 @@ class QTextStream;
 class CommandLine {
 public:
     CommandLine(AppState& state, QTextStream& out, QTextStream& err);
+    ~CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
 
     // `arguments` without the program name.
     QCoro::Task<int> run(QStringList arguments);

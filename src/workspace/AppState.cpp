@@ -6,6 +6,7 @@
 #include "api/ModelOperation.h"
 #include "api/PendingWrite.h"
 #include "api/TaskCenter.h"
+#include "api/TaskCenterWaitAnnouncer.h"
 #include "metadata/LocalizationsService.h"
 #include "metadata/MetadataDraftStore.h"
 #include "platform/Clock.h"
@@ -56,6 +57,8 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_localizationsService = std::make_unique<LocalizationsService>(m_platform.clock);
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
+    m_accountStore->setWaitAnnouncer(
+        std::make_shared<TaskCenterWaitAnnouncer>(m_taskCenter.get(), m_platform.clock));
     connect(m_accountStore.get(), &AccountStore::selectedAccountChanged, this, [this] {
         dropSamplesUnlessDemo();
         if (!hasAccount() && !m_appsAreSamples) {

@@ -5,6 +5,8 @@
 #include "api/AuthenticationService.h"
 #include "api/PipelineStages.h"
 #include "api/RateLimitGovernor.h"
+#include "api/TaskCenter.h"
+#include "api/TaskCenterWaitAnnouncer.h"
 #include "api/TimedCache.h"
 #include "platform/Clock.h"
 #include "release/ReleaseEndpoints.h"
@@ -138,6 +140,80 @@ private Q_SLOTS:
         QCOMPARE(m_clock->sleeps(), sleeps);
     }
 
+    // Only waits above ten seconds are announced, and each for exactly as long as it lasts.
+    void longWaitsAreAnnounced_data() {
+        QTest::addColumn<QList<Answer>>("answers");
+        QTest::addColumn<QStringList>("announced");
+        const Answer offline = Answer::offline(u"Keine Netzwerkverbindung."_s);
+        const auto limited = [](const QByteArray& seconds) {
+            return Answer::json(429, "{}"_ba, Headers{{"Retry-After", seconds}});
+        };
+        QTest::newRow("Retry-After of 10^9 is one hour, shown")
+            << QList<Answer>{limited("1e9"), Answer::json(200, "{}"_ba)} << QStringList{u"Pause 3600"_s};
+        QTest::newRow("ten seconds pass in silence")
+            << QList<Answer>{limited("10"), Answer::json(200, "{}"_ba)} << QStringList{};
+        QTest::newRow("eleven do not")
+            << QList<Answer>{limited("11"), Answer::json(200, "{}"_ba)} << QStringList{u"Pause 11"_s};
+        QTest::newRow("the network's fourth wait is the first one shown")
+            << QList<Answer>{offline, offline, offline, offline, Answer::json(200, "{}"_ba)}
+            << QStringList{u"Netz 16"_s};
+    }
+
+    void longWaitsAreAnnounced() {
+        QFETCH(QList<Answer>, answers);
+        QFETCH(QStringList, announced);
+        struct Recorder final : WaitAnnouncer {
+            ManualClock* clock;
+            QStringList seen;
+            int open = 0;
+            int started(Reason reason, QDateTime until, QString) override {
+                seen.append((reason == Reason::RateLimited ? u"Pause "_s : u"Netz "_s) +
+                            QString::number(clock->now().secsTo(until)));
+                return ++open;
+            }
+            void ended(int) override { --open; }
+        };
+        auto recorder = std::make_shared<Recorder>();
+        recorder->clock = m_clock.get();
+        m_transport->script("GET", u"/v1/apps"_s, answers);
+        const auto pipeline = oneStage(
+            std::make_unique<RetryStage>(m_clock, RetryStage::Policy::ApiAnswers, recorder), m_transport);
+        QCOMPARE(outcome(pipeline, callTo("GET", u"/v1/apps"_s)), u"200"_s);
+        QCOMPARE(recorder->seen, announced);
+        QCOMPARE(recorder->open, 0);
+    }
+
+    // In the window the wait is a task with its end time that goes when the wait is over.
+    void aLongWaitIsATaskUntilItEnds() {
+        m_clock->setAutoAdvance(false);
+        m_clock->setNow(QDateTime(QDate(2026, 11, 24), QTime(20, 0), Qt::LocalTime));
+        TaskCenter tasks;
+        m_transport->script(
+            "GET", u"/v1/apps"_s,
+            {Answer::json(429, "{}"_ba, Headers{{"Retry-After", "90"}}), Answer::json(200, "{}"_ba)});
+        const auto pipeline =
+            oneStage(std::make_unique<RetryStage>(m_clock, RetryStage::Policy::ApiAnswers,
+                                                  std::make_shared<TaskCenterWaitAnnouncer>(&tasks, m_clock),
+                                                  u"Studio"_s),
+                     m_transport);
+        auto call = pipeline.send(callTo("GET", u"/v1/apps"_s));
+        QTRY_COMPARE(tasks.tasks().size(), 1);
+        QCOMPARE(tasks.tasks().first().title, u"Warten auf Apple"_s);
+        QCOMPARE(tasks.tasks().first().detail,
+                 u"Studio: Apple bittet um eine Pause – weiter um 20:01:30 Uhr."_s);
+        m_clock->advance(90);
+        QCOMPARE(VarnisTest::awaitTask(std::move(call)).status, 200);
+        QVERIFY(tasks.tasks().isEmpty());
+    }
+
+    void endTimeNamesTheDayOnlyWhenItIsAnother() {
+        const QDateTime now(QDate(2026, 11, 24), QTime(23, 30), Qt::LocalTime);
+        QCOMPARE(WaitAnnouncer::describe(WaitAnnouncer::Reason::Offline, now.addSecs(20), now),
+                 u"Keine Netzwerkverbindung – nächster Versuch um 23:30:20 Uhr."_s);
+        QCOMPARE(WaitAnnouncer::describe(WaitAnnouncer::Reason::RateLimited, now.addSecs(3600), now),
+                 u"Apple bittet um eine Pause – weiter um 25.11.2026, 00:30:00 Uhr."_s);
+    }
+
     void errorMappingStageAlone_data() {
         QTest::addColumn<bool>("storage");
         QTest::addColumn<int>("status");
@@ -154,7 +230,8 @@ private Q_SLOTS:
                                         << u"Zu viele Anfragen an App Store Connect. Bitte kurz warten."_s;
         QTest::newRow("control codes in Apple's detail are written out")
             << false << 409
-            << QByteArray("{\"errors\":[{\"detail\":\"\\u001b[2J\\u001b[HFrei\\r\\nZeile\\tzwei\\u0007\\u009b\"}]}")
+            << QByteArray(
+                   "{\"errors\":[{\"detail\":\"\\u001b[2J\\u001b[HFrei\\r\\nZeile\\tzwei\\u0007\\u009b\"}]}")
             << u"\\x1B[2J\\x1B[HFrei\\x0D\nZeile\tzwei\\x07\\u009B"_s;
         QTest::newRow("storage reads no error document")
             << true << 409 << apple << u"App Store Connect meldete Fehler 409."_s;

@@ -1,5 +1,10 @@
+#include "api/AccountStore.h"
+#include "cli/CommandLine.h"
+#include "support/AwaitTask.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 #include "support/TestServer.h"
+#include "workspace/AppState.h"
 
 #include <QDirIterator>
 #include <QJsonArray>
@@ -9,6 +14,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
@@ -479,6 +485,34 @@ private Q_SLOTS:
         const Run result = run({u"audit-log"_s, u"--json"_s}, environment(false));
         QVERIFY2(result.exitCode == 0, qPrintable(result.err));
         QCOMPARE(result.out.trimmed(), u"[\n]"_s);
+    }
+
+    // In process, on virtual time: a Retry-After of an hour is one German line on stderr, so
+    // that a script's log says why nothing happens; the command still succeeds afterwards.
+    void aLongWaitIsOneLineOnStderr() {
+        TestPlatform test;
+        test.clock->setAutoAdvance(true);
+        AppState state(test.platform(), AppState::Options{test.settings});
+        Account account;
+        account.id = QUuid::createUuid();
+        account.name = u"Umgebung"_s;
+        account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
+        account.keyID = u"ABCDE12345"_s;
+        state.accountStore().useEphemeralAccount(account, m_key.privateKeyPEM);
+        test.transport->script(
+            "GET", u"/v1/apps"_s,
+            {FakeTransport::Answer::json(429, "{}"_ba, {{"Retry-After", "1e9"}}),
+             FakeTransport::Answer::json(
+                 200, R"({"data":[{"type":"apps","id":"7","attributes":{"name":"Nordlicht"}}]})"_ba)});
+        QString out;
+        QString err;
+        QTextStream outStream(&out);
+        QTextStream errStream(&err);
+        CommandLine cli(state, outStream, errStream);
+        QCOMPARE(VarnisTest::awaitTask(cli.run({u"apps"_s})), 0);
+        QVERIFY2(err.startsWith(u"Umgebung: Apple bittet um eine Pause – weiter um "_s), qPrintable(err));
+        QCOMPARE(err.count(u'\n'), 1);
+        QVERIFY(out.contains(u"Nordlicht"_s));
     }
 };
 
