@@ -13,9 +13,18 @@ GroupBox {
         anchors.fill: parent
         spacing: 4
         Label {
+            objectName: "capabilityHeadline"
             Layout.fillWidth: true
             text: Shell.accountSettings.capabilityHeadline
             wrapMode: Text.Wrap
+            color: Shell.accountSettings.isKeyMissing ? Theme.toneColor("negative", palette.windowText)
+                                                      : palette.windowText
+        }
+        Button {
+            objectName: "reimportKeyButton"
+            visible: Shell.accountSettings.isKeyMissing
+            text: "Schlüssel erneut importieren …"
+            onClicked: Shell.accountSettings.reimportKey()
         }
         Repeater {
             model: Shell.accountSettings.capabilities

@@ -58,11 +58,36 @@ AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* par
         connect(operation, &ModelOperation::errorChanged, this,
                 &AccountSettingsViewModel::errorMessageChanged);
     }
+    connect(&m_store, &AccountStore::missingKeysChanged, this, [this] {
+        Q_EMIT isKeyMissingChanged();
+        Q_EMIT capabilityHeadlineChanged();
+    });
     followCurrent();
     syncCapabilities();
 }
 
 AccountSettingsViewModel::~AccountSettingsViewModel() = default;
+
+void AccountSettingsViewModel::checkKey() {
+    if (const auto account = currentAccount(); account && !m_store.isEphemeral()) {
+        // The answer arrives through the store's signal; nothing here waits for it.
+        QCoro::connect(m_store.checkKeyMissing(*account), this, [](bool) {});
+    }
+}
+
+bool AccountSettingsViewModel::isKeyMissing() const {
+    return m_currentID && m_store.isKeyMissing(*m_currentID);
+}
+
+void AccountSettingsViewModel::reimportKey() {
+    const auto account = currentAccount();
+    if (!account) {
+        return;
+    }
+    Q_EMIT keyReimportRequested(account->name, account->issuerID, account->keyID,
+                                account->vendorNumber.value_or(QString()));
+    setAdding(true);
+}
 
 std::optional<Account> AccountSettingsViewModel::currentAccount() const {
     return m_currentID ? m_store.account(*m_currentID) : std::nullopt;
@@ -90,6 +115,7 @@ void AccountSettingsViewModel::emitCurrentChanged() {
     Q_EMIT isReadOnlyChanged();
     Q_EMIT isEphemeralChanged();
     Q_EMIT capabilityHeadlineChanged();
+    Q_EMIT isKeyMissingChanged();
     Q_EMIT removalExplanationChanged();
     Q_EMIT canRemoveChanged();
 }
@@ -125,6 +151,7 @@ void AccountSettingsViewModel::followCurrent() {
     const auto account = currentAccount();
     m_vendorNumber = account ? account->vendorNumber.value_or(QString()) : QString();
     emitVendorNumberChanged();
+    checkKey();
 }
 
 int AccountSettingsViewModel::currentIndex() const {
@@ -146,6 +173,7 @@ void AccountSettingsViewModel::setCurrentIndex(int row) {
     emitVendorNumberChanged();
     emitCurrentChanged();
     Q_EMIT isProbingChanged();
+    checkKey();
 }
 
 int AccountSettingsViewModel::selectedRow() const {
@@ -193,6 +221,10 @@ QString AccountSettingsViewModel::capabilityHeadline() const {
     const auto account = currentAccount();
     if (!account) {
         return {};
+    }
+    if (m_store.isKeyMissing(account->id)) {
+        return u"Der Private Key dieses Accounts fehlt im Schlüsselbund – vermutlich wurde das Hinzufügen "
+               u"oder Entfernen unterbrochen. Importiere die .p8-Datei erneut oder entferne den Account."_s;
     }
     if (!account->capabilities) {
         return u"Noch nicht geprüft. Der Test ruft je einen kennzeichnenden Endpunkt auf und merkt sich, was "
@@ -326,6 +358,11 @@ QCoro::Task<> AccountSettingsViewModel::probeAsync() {
     // keeps it with the account measured even when the page shows another one by now.
     const AccountCapabilities measured = co_await store.probeCapabilities(target);
     if (!run) {
+        co_return;
+    }
+    if (store.isKeyMissing(target.id)) {
+        // Four failed calls would say nothing the card does not already say.
+        run.succeed();
         co_return;
     }
     setMessages({}, u"Zugriffe von „"_s + target.name + u"“ gemessen am "_s +

@@ -59,6 +59,8 @@ class AccountSettingsViewModel : public QObject {
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
     Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberMessageChanged)
     Q_PROPERTY(QString capabilityHeadline READ capabilityHeadline NOTIFY capabilityHeadlineChanged)
+    // The keychain holds no key for the account being edited: the card offers to import it again.
+    Q_PROPERTY(bool isKeyMissing READ isKeyMissing NOTIFY isKeyMissingChanged)
     // title, available, hint, mark ("✓"/"✗"), markColor, accessibleName; keyed by title.
     Q_PROPERTY(QAbstractListModel* capabilities READ capabilities CONSTANT)
     Q_PROPERTY(bool isProbing READ isProbing NOTIFY isProbingChanged)
@@ -96,6 +98,7 @@ public:
     void setVendorNumber(const QString& text);
     QString vendorNumberMessage() const;
     QString capabilityHeadline() const;
+    bool isKeyMissing() const;
     QAbstractListModel* capabilities() const { return m_capabilities; }
     bool isProbing() const;
     bool isRemoving() const;
@@ -119,6 +122,9 @@ public:
     // Measures what the current account's key may do. Choosing another account drops the answer
     // for this page; the measurement is still kept with the account it was made for.
     Q_INVOKABLE void probe();
+    // Opens the form for a new key, filled in with the account's names: saving the same key id
+    // stores the key of this account anew.
+    Q_INVOKABLE void reimportKey();
     // Stores the edited vendor number, blank as none; refuses anything but digits.
     Q_INVOKABLE void saveVendorNumber();
     // Deletes the current account and its key, then lets the window follow.
@@ -140,6 +146,10 @@ Q_SIGNALS:
     void vendorNumberChanged();
     void vendorNumberMessageChanged();
     void capabilityHeadlineChanged();
+    void isKeyMissingChanged();
+    // Asks the form for a new key to start from these values.
+    void keyReimportRequested(const QString& name, const QString& issuerID, const QString& keyID,
+                              const QString& vendorNumber);
     void isProbingChanged();
     void isRemovingChanged();
     void canRemoveChanged();
@@ -161,6 +171,8 @@ private:
     void accountsDidChange();
     // Keeps editing the same account while it exists; otherwise the one selected for work.
     void followCurrent();
+    // Looks whether the keychain still holds the key of the account being edited.
+    void checkKey();
     void setMessages(const QString& error, const QString& status);
     void syncCapabilities();
     void setAdding(bool adding);

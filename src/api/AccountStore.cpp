@@ -91,22 +91,55 @@ std::optional<Account> AccountStore::account(const QUuid& id) const {
     return std::nullopt;
 }
 
+namespace {
+
+// Ids of new accounts are derived from issuer and key id within this namespace.
+const QUuid accountNamespace(u"{6f1c7e52-3a8d-4b0e-9d21-5c4f8a7b9e13}"_s);
+
+} // namespace
+
 QCoro::Task<Account> AccountStore::addAccount(QString name, QString issuerID, QString keyID,
                                               QByteArray privateKeyPEM, std::optional<QString> vendorNumber) {
-    Account account;
-    account.id = QUuid::createUuid();
-    account.name = std::move(name);
-    account.issuerID = std::move(issuerID);
-    account.keyID = std::move(keyID);
-    account.createdAt = m_platform.clock->now();
-    account.vendorNumber = nilIfBlank(vendorNumber);
     QPointer<AccountStore> self(this);
+    const QString nameKey = name.trimmed().toCaseFolded();
+    // The account this add stands for, if it is one already listed: the same key under the same
+    // name, or the same key of an account whose key went missing.
+    std::optional<Account> sameKey;
+    const QList<Account> listed = m_accounts;
+    for (const Account& existing : listed) {
+        if (existing.keyID != keyID || existing.issuerID.compare(issuerID, Qt::CaseInsensitive) != 0) {
+            continue;
+        }
+        const bool sameName = existing.name.trimmed().toCaseFolded() == nameKey;
+        if (sameName || co_await checkKeyMissing(existing)) {
+            sameKey = existing;
+            break;
+        }
+    }
+    if (!self) {
+        co_return Account{};
+    }
+    Account account = sameKey.value_or(Account{});
+    if (!sameKey) {
+        account.id =
+            QUuid::createUuidV5(accountNamespace, issuerID.toLower() + u'/' + keyID + u'/' + nameKey);
+        account.issuerID = issuerID;
+        account.keyID = keyID;
+        account.createdAt = m_platform.clock->now();
+    }
+    account.name = std::move(name);
+    account.vendorNumber = nilIfBlank(vendorNumber);
     const QString keyName = account.idText();
     co_await m_platform.secrets->save(keyName, privateKeyPEM);
     if (!self) {
         co_return account;
     }
-    m_accounts.append(account);
+    noteKeyMissing(account.id, false);
+    if (const qsizetype row = sameKey ? m_accounts.indexOf(*sameKey) : -1; row >= 0) {
+        m_accounts.replace(row, account);
+    } else {
+        m_accounts.append(account);
+    }
     setSelectedAccountID(account.id);
     persist();
     Q_EMIT accountsChanged();
@@ -121,6 +154,7 @@ QCoro::Task<> AccountStore::removeAccount(Account account) {
         co_return;
     }
     m_accounts.removeIf([&](const Account& a) { return a.id == account.id; });
+    m_missingKeys.remove(account.id);
     if (m_selectedAccountID == account.id) {
         setSelectedAccountID(m_accounts.isEmpty() ? std::nullopt
                                                   : std::optional<QUuid>(m_accounts.first().id));
@@ -146,7 +180,18 @@ QCoro::Task<QByteArray> AccountStore::privateKey(Account account) {
         bytes = *m_ephemeralKey;
     } else {
         const QString keyName = account.idText();
-        bytes = co_await m_platform.secrets->read(keyName);
+        QPointer<AccountStore> self(this);
+        try {
+            bytes = co_await m_platform.secrets->read(keyName);
+        } catch (const KeychainError& error) {
+            if (self && error.kind() == KeychainError::Kind::NotFound) {
+                noteKeyMissing(account.id, true);
+            }
+            throw;
+        }
+        if (self) {
+            noteKeyMissing(account.id, false);
+        }
     }
     auto decoder = QStringDecoder(QStringDecoder::Utf8);
     (void)QString(decoder(bytes));
@@ -154,6 +199,26 @@ QCoro::Task<QByteArray> AccountStore::privateKey(Account account) {
         throw KeychainError::encodingFailed();
     }
     co_return bytes;
+}
+
+QCoro::Task<bool> AccountStore::checkKeyMissing(Account account) {
+    try {
+        co_await privateKey(account);
+    } catch (const KeychainError& error) {
+        co_return error.kind() == KeychainError::Kind::NotFound;
+    } catch (...) {
+    }
+    co_return false;
+}
+
+void AccountStore::noteKeyMissing(const QUuid& id, bool missing) {
+    const bool changed = missing ? !m_missingKeys.contains(id) : m_missingKeys.remove(id);
+    if (missing) {
+        m_missingKeys.insert(id);
+    }
+    if (changed) {
+        Q_EMIT missingKeysChanged();
+    }
 }
 
 std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account& account,
@@ -167,6 +232,7 @@ std::shared_ptr<AppStoreConnectClient> AccountStore::clientWithKey(const Account
     parts.auditLog = m_auditLog;
     parts.governor = m_governor;
     parts.truncationRegistry = m_truncation;
+    parts.waitAnnouncer = m_waitAnnouncer;
     return AppStoreConnectClient::create(std::move(parts));
 }
 

@@ -397,3 +397,12 @@ void AddAccountViewModel::reset() {
     setTestSucceeded(false);
     revalidate();
 }
+
+void AddAccountViewModel::prefill(const QString& name, const QString& issuerID, const QString& keyID,
+                                  const QString& vendorNumber) {
+    reset();
+    setName(name);
+    setIssuerID(issuerID);
+    setKeyID(keyID);
+    setVendorNumber(vendorNumber);
+}

@@ -91,6 +91,9 @@ public:
     Q_INVOKABLE void testConnection();
     Q_INVOKABLE void save();
     Q_INVOKABLE void reset();
+    // Starts over from an account's names, for importing its key again.
+    void prefill(const QString& name, const QString& issuerID, const QString& keyID,
+                 const QString& vendorNumber);
 
     QCoro::Task<> testConnectionAsync();
     QCoro::Task<> saveAsync();

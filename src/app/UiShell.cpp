@@ -51,6 +51,8 @@ UiShell::UiShell(AppState& state, QQmlApplicationEngine& engine, QObject* parent
     shells().insert(&engine, this);
     // A new account shows its apps at once.
     connect(m_addAccount, &AddAccountViewModel::saved, m_workspace, &WorkspaceViewModel::refreshApps);
+    connect(m_accountSettings, &AccountSettingsViewModel::keyReimportRequested, m_addAccount,
+            &AddAccountViewModel::prefill);
 }
 
 UiShell* UiShell::create(QQmlEngine* engine, QJSEngine*) {

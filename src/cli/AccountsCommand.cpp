@@ -19,13 +19,18 @@ namespace {
 
 const QString jsonFlag = u"json"_s;
 
-QJsonObject accountJson(const Account& account, bool selected) {
+const QString missingKeyText =
+    u"Der Private Key von „%1“ fehlt im Schlüsselbund. „varnis accounts add“ mit derselben Key-ID "
+    u"importiert ihn erneut; „varnis accounts remove“ entfernt den Account."_s;
+
+QJsonObject accountJson(const Account& account, bool selected, bool keyMissing) {
     return QJsonObject{{u"id"_s, account.idText()},
                        {u"name"_s, account.name},
                        {u"issuerID"_s, account.issuerID},
                        {u"keyID"_s, account.keyID},
                        {u"vendorNumber"_s, optionalJson(account.vendorNumber)},
                        {u"isReadOnly"_s, account.isReadOnly},
+                       {u"keyMissing"_s, keyMissing},
                        {u"selected"_s, selected}};
 }
 
@@ -49,7 +54,7 @@ std::optional<Account> namedAccount(const Invocation& call) {
     return account;
 }
 
-void printAccountLine(const Invocation& call, const Account& account, bool selected) {
+void printAccountLine(const Invocation& call, const Account& account, bool selected, bool keyMissing) {
     call.out << (selected ? u"* "_s : u"  "_s) << account.name << u"  (Key-ID "_s << account.keyID
              << u", Issuer "_s << account.issuerID << u')';
     if (account.isReadOnly) {
@@ -57,6 +62,9 @@ void printAccountLine(const Invocation& call, const Account& account, bool selec
     }
     if (call.state.accountStore().isEphemeral()) {
         call.out << u"  [aus der Umgebung]"_s;
+    }
+    if (keyMissing) {
+        call.out << u"  [Private Key fehlt]"_s;
     }
     call.out << u'\n';
 }
@@ -81,7 +89,9 @@ bool checkNewKey(const Invocation& call, const QByteArray& pem) {
         return false;
     }
     const QString name = call.args.value(u"name"_s).trimmed();
-    if (findAccount(call.state.accountStore(), name)) {
+    // The same key under its own name again is a new import of that key, not a second account.
+    if (const auto named = findAccount(call.state.accountStore(), name);
+        named && named->keyID != call.args.value(u"key-id"_s).trimmed()) {
         call.fail(u"Es gibt schon einen Account mit dem Namen „%1“."_s.arg(name));
         return false;
     }
@@ -95,21 +105,26 @@ void AccountsCommand::declareList(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> AccountsCommand::list(Invocation call) {
-    const AccountStore& store = call.state.accountStore();
+    AccountStore& store = call.state.accountStore();
     const auto selected = store.selectedAccountID();
+    const QList<Account> accounts = store.accounts();
+    QList<bool> missing;
+    for (const Account& account : accounts) {
+        missing.append(co_await store.checkKeyMissing(account));
+    }
     if (call.args.isSet(jsonFlag)) {
         QJsonArray array;
-        for (const auto& account : store.accounts()) {
-            array.append(accountJson(account, selected == account.id));
+        for (qsizetype i = 0; i < accounts.size(); ++i) {
+            array.append(accountJson(accounts[i], selected == accounts[i].id, missing[i]));
         }
         call.printJson(array);
         co_return 0;
     }
-    if (store.accounts().isEmpty()) {
+    if (accounts.isEmpty()) {
         call.out << u"Es ist kein Account eingerichtet.\n"_s;
     }
-    for (const auto& account : store.accounts()) {
-        printAccountLine(call, account, selected == account.id);
+    for (qsizetype i = 0; i < accounts.size(); ++i) {
+        printAccountLine(call, accounts[i], selected == accounts[i].id, missing[i]);
     }
     co_return 0;
 }
@@ -145,8 +160,11 @@ QCoro::Task<int> AccountsCommand::add(Invocation call) {
     const QString keyID = call.args.value(u"key-id"_s).trimmed();
     const std::optional<QString> vendor = nilIfBlank(call.args.value(u"vendor-number"_s));
     try {
+        const qsizetype before = store.accounts().size();
         const Account account = co_await store.addAccount(name, issuerID, keyID, pem, vendor);
-        call.out << u"Account „%1“ gespeichert.\n"_s.arg(account.name);
+        call.out << (store.accounts().size() > before ? u"Account „%1“ gespeichert.\n"_s
+                                                      : u"Private Key von „%1“ erneut gespeichert.\n"_s)
+                        .arg(account.name);
     } catch (const std::exception& error) {
         co_return call.fail(describeError(error));
     }
@@ -190,6 +208,9 @@ QCoro::Task<int> AccountsCommand::probe(Invocation call) {
     const auto account = namedAccount(call);
     if (!account) {
         co_return 1;
+    }
+    if (co_await call.state.accountStore().checkKeyMissing(*account)) {
+        co_return call.fail(missingKeyText.arg(account->name));
     }
     const AccountCapabilities caps = co_await call.state.accountStore().probeCapabilities(*account);
     if (call.args.isSet(jsonFlag)) {

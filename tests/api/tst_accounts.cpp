@@ -3,6 +3,7 @@
 #include "api/AuditLog.h"
 #include "api/EnvironmentAccount.h"
 #include "api/KeyImportValidator.h"
+#include "platform/AtomicFile.h"
 #include "platform/Clock.h"
 #include "platform/KeychainError.h"
 #include "support/AwaitTask.h"
@@ -129,6 +130,8 @@ private Q_SLOTS:
     void removeSelectsNext();
     void failingSecretStoreLeavesList();
     void updateUnknownDoesNothing();
+    void interruptedWritesAreMended_data();
+    void interruptedWritesAreMended();
     void keyIDs_data();
     void keyIDs();
     void issuerIDs_data();
@@ -242,6 +245,49 @@ void TestAccounts::failingSecretStoreLeavesList() {
     // Removing fails the same way and keeps the account.
     QVERIFY(raised(store.removeAccount(kept)));
     QCOMPARE(store.accounts(), QList<Account>{kept});
+}
+
+void TestAccounts::interruptedWritesAreMended_data() {
+    QTest::addColumn<bool>("addWasCut");
+    // The keychain was written, the accounts file not: an orphaned key nobody lists.
+    QTest::newRow("add cut off after the keychain") << true;
+    // The key went, the file still lists the account.
+    QTest::newRow("remove cut off after the keychain") << false;
+}
+
+void TestAccounts::interruptedWritesAreMended() {
+    QFETCH(bool, addWasCut);
+    Fixture f;
+    QUuid firstID;
+    {
+        AccountStore before(f.platform());
+        firstID = addAccount(before, u"Studio"_s, f.pem).id;
+    }
+    if (addWasCut) {
+        QVERIFY(AtomicFile::write(f.accountsFile(), "[]") == std::nullopt);
+    } else {
+        f.secrets->setContents({});
+    }
+    AccountStore store(f.platform());
+    if (!addWasCut) {
+        const Account stale = store.accounts().first();
+        QVERIFY(awaitTask(store.checkKeyMissing(stale)));
+        QVERIFY(store.isKeyMissing(stale.id));
+        const auto refused = raised(store.makeClient(stale));
+        QVERIFY(refused && refused->description == KeychainError::notFound().errorDescription());
+    }
+
+    const QByteArray newKey = makeTestKey().privateKeyPEM;
+    // After a cut-off add the user adds the key again as before; after a cut-off remove the card
+    // offers to import it, whatever the name typed then.
+    const QString name = addWasCut ? u"studio"_s : u"Studio neu"_s;
+    const Account mended = addAccount(store, name, newKey);
+    QCOMPARE(mended.id, firstID);
+    QCOMPARE(namesInFile(f.accountsFile()), QStringList{name});
+    QCOMPARE(f.secrets->contents().size(), 1);
+    QCOMPARE(f.secrets->contents().value(Account::idText(firstID)), newKey);
+    QVERIFY(!store.isKeyMissing(firstID));
+    QVERIFY(!awaitTask(store.checkKeyMissing(mended)));
 }
 
 void TestAccounts::updateUnknownDoesNothing() {

@@ -4,6 +4,8 @@
 #include "api/AccountStore.h"
 #include "api/AddAccountViewModel.h"
 #include "api/AuditLog.h"
+#include "platform/SecretStore.h"
+#include "support/AwaitTask.h"
 #include "support/TestKeys.h"
 
 #include <QDir>
@@ -195,6 +197,41 @@ private Q_SLOTS:
         QVERIFY(!accounts->statusMessage().isEmpty());
         QCOMPARE(textOf(settings, u"accountStatusLabel"_s), accounts->statusMessage());
         shoot(settings, u"settings-capabilities"_s);
+    }
+
+    // An add or remove cut short leaves an account without its key: the card says so and the
+    // same key id, imported again from the card, mends it.
+    void missingKeyIsImportedAgain() {
+        const QString keyPath = writeKey(m_dir->filePath(u"home"_s));
+        const Platform platform = demoPlatform();
+        {
+            AccountStore before(platform);
+            VarnisTest::awaitTask(before.addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                                                    u"ABCDE12345"_s, makeTestKey().privateKeyPEM));
+            VarnisTest::awaitTask(platform.secrets->remove(before.accounts().first().idText()));
+        }
+        start(platform);
+        show();
+        QQuickWindow* settings = openAccounts();
+        QVERIFY(settings);
+        QTRY_VERIFY(textOf(settings, u"capabilityHeadline"_s).contains(u"fehlt im Schlüsselbund"_s));
+        shoot(settings, u"settings-key-missing"_s);
+
+        QVERIFY(clickNamed(settings, u"reimportKeyButton"_s));
+        QTRY_COMPARE(textOf(settings, u"nameField"_s), u"Studio"_s);
+        QCOMPARE(textOf(settings, u"keyIDField"_s), u"ABCDE12345"_s);
+        typeInto(settings, u"keyFileField"_s, keyPath);
+        QTest::keyClick(settings, Qt::Key_Tab);
+        QQuickItem* save = findItem(settings, u"saveAccountButton"_s);
+        QVERIFY(save);
+        QTRY_VERIFY(save->isEnabled());
+        click(save);
+
+        AccountStore& store = m_state->accountStore();
+        QTRY_VERIFY(!m_shell->accountSettings()->isKeyMissing());
+        QCOMPARE(store.accounts().size(), 1);
+        QTRY_VERIFY(!shownItem(settings, u"reimportKeyButton"_s));
+        QVERIFY(!textOf(settings, u"capabilityHeadline"_s).contains(u"fehlt"_s));
     }
 
     void keyboardClosesWindows_data() {
