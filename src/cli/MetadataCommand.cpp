@@ -2,6 +2,7 @@
 
 #include "cli/AppsCommand.h"
 #include "metadata/AppStoreLocales.h"
+#include "metadata/MetadataFields.h"
 #include "metadata/MetadataValidator.h"
 #include "metadata/MetadataViewModel.h"
 #include "wire/FieldUpdate.h"
@@ -17,18 +18,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The store-text fields these commands read and write: wire key and German label in the editor's
-// order, and one field's text. Nothing else here names a field.
-QList<QPair<QString, QString>> storeTextFields() {
-    return MetadataViewModel::fieldKeysAndLabels();
-}
-QString storeText(const ManagedLocalization& localization, const QString& key) {
-    return MetadataViewModel::fieldText(localization, key).value_or(QString());
-}
+// The store-text fields these commands name, in the editor's order.
 QStringList storeTextKeys() {
     QStringList keys;
-    for (const auto& [key, label] : storeTextFields()) {
-        keys.append(key);
+    for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+        keys.append(field.key.toString());
     }
     return keys;
 }
@@ -106,14 +100,24 @@ QCoro::Task<Loaded> load(Invocation call) {
     co_return loaded;
 }
 
+// The same for a show or a check, after its arguments passed.
+QCoro::Task<Loaded> loadNamed(Invocation call, QString command) {
+    if (auto status = checkAppArguments(call, command)) {
+        Loaded refused;
+        refused.status = *status;
+        co_return refused;
+    }
+    co_return co_await load(std::move(call));
+}
+
 QString languageHeading(const ManagedLocalization& localization) {
     return localization.locale + u" · "_s + AppStoreLocales::displayName(localization.locale);
 }
 
 QJsonObject localizationJson(const ManagedLocalization& localization) {
     QJsonObject o{{u"locale"_s, localization.locale}};
-    for (const auto& [key, label] : storeTextFields()) {
-        o.insert(key, storeText(localization, key));
+    for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+        o.insert(field.key.toString(), MetadataFields::text(localization, field.field));
     }
     return o;
 }
@@ -135,9 +139,9 @@ void printShowText(const Invocation& call, const Loaded& loaded) {
              << loaded.model->versionStateName() << u")\n"_s;
     for (const auto& l : loaded.chosen) {
         call.out << u"\n== "_s << languageHeading(l) << u" ==\n"_s;
-        for (const auto& [key, label] : storeTextFields()) {
-            if (const QString text = storeText(l, key); !text.isEmpty()) {
-                call.out << label << u": "_s << text << u'\n';
+        for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+            if (const QString text = MetadataFields::text(l, field.field); !text.isEmpty()) {
+                call.out << field.label << u": "_s << text << u'\n';
             }
         }
     }
@@ -214,11 +218,10 @@ std::optional<QString> readValueFile(const QString& path, QString& error) {
 // The FELD=WERT pairs after the app, checked before anything is loaded; the exit status when one
 // is wrong.
 std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
-    const QStringList keys = storeTextKeys();
     Assignments assignments;
     for (const QString& pair : call.args.positional.mid(1)) {
         const auto eq = pair.indexOf(u'=');
-        if (eq <= 0 || !keys.contains(pair.left(eq))) {
+        if (eq <= 0 || !MetadataFields::fromRaw(QStringView(pair).left(eq))) {
             return call.usage(
                 u"„%1“ ist keine Angabe der Form FELD=WERT mit einem bekannten Feld."_s.arg(pair));
         }
@@ -244,15 +247,15 @@ std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
 bool printChanges(const Invocation& call, const ManagedLocalization& saved,
                   const ManagedLocalization& edited) {
     bool anyChange = false;
-    for (const auto& [key, label] : storeTextFields()) {
-        const QString before = storeText(saved, key);
-        const QString after = storeText(edited, key);
+    for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
+        const QString before = MetadataFields::text(saved, field.field);
+        const QString after = MetadataFields::text(edited, field.field);
         const FieldUpdate update = FieldUpdate::between(before, after);
         if (update.kind() == FieldUpdate::Kind::Unchanged) {
             continue;
         }
         anyChange = true;
-        call.out << label << u": „"_s << before << u"“ → "_s
+        call.out << field.label << u": „"_s << before << u"“ → "_s
                  << (update.kind() == FieldUpdate::Kind::Cleared ? u"(wird geleert)"_s
                                                                  : u"„"_s + after + u"“"_s)
                  << u'\n';
@@ -273,10 +276,8 @@ void MetadataCommand::declareShow(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> MetadataCommand::show(Invocation call) {
-    if (auto status = checkAppArguments(call, u"show"_s)) {
-        co_return *status;
-    }
-    const Loaded loaded = co_await load(call);
+    const QString command = u"show"_s;
+    const Loaded loaded = co_await loadNamed(call, command);
     if (loaded.status != 0) {
         co_return loaded.status;
     }
@@ -294,10 +295,8 @@ void MetadataCommand::declareCheck(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> MetadataCommand::check(Invocation call) {
-    if (auto status = checkAppArguments(call, u"check"_s)) {
-        co_return *status;
-    }
-    const Loaded loaded = co_await load(call);
+    const QString command = u"check"_s;
+    const Loaded loaded = co_await loadNamed(call, command);
     if (loaded.status != 0) {
         co_return loaded.status;
     }

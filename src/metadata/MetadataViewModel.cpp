@@ -75,22 +75,6 @@ MetadataViewModel::MetadataViewModel(AppState& state, ManagedApp app, QObject* p
 
 MetadataViewModel::~MetadataViewModel() = default;
 
-QList<QPair<QString, QString>> MetadataViewModel::fieldKeysAndLabels() {
-    QList<QPair<QString, QString>> result;
-    for (const MetadataFieldInfo& field : MetadataFields::inEditorOrder()) {
-        result.append({field.key.toString(), field.label.toString()});
-    }
-    return result;
-}
-
-std::optional<QString> MetadataViewModel::fieldText(const ManagedLocalization& localization,
-                                                    const QString& key) {
-    if (const auto field = MetadataFields::fromRaw(key)) {
-        return MetadataFields::text(localization, *field);
-    }
-    return std::nullopt;
-}
-
 bool MetadataViewModel::isFullyEditable(const ASCAppStoreVersionState& state) {
     using S = ASCAppStoreVersionState::Case;
     switch (state.value()) {

@@ -85,11 +85,6 @@ public:
     MetadataViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
     ~MetadataViewModel() override;
 
-    // The editable fields by their raw names ("description", …) with their German labels, in the
-    // editor's order, and the text of one of them.
-    static QList<QPair<QString, QString>> fieldKeysAndLabels();
-    static std::optional<QString> fieldText(const ManagedLocalization& localization, const QString& key);
-
     // The states in which every field of a version can still be changed.
     static bool isFullyEditable(const ASCAppStoreVersionState& state);
 

@@ -3,6 +3,7 @@
 #include "api/RowListModel.h"
 #include "metadata/AppStoreLocales.h"
 #include "metadata/MetadataDraftStore.h"
+#include "metadata/MetadataFields.h"
 #include "metadata/MetadataViewModel.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
@@ -740,7 +741,7 @@ void TestMetadataViewModel::editChangesOnlyItsRow() {
     Fixture f;
     f.ready();
     RowListModel* fields = f.model->fields();
-    QCOMPARE(fields->count(), MetadataViewModel::fieldKeysAndLabels().size());
+    QCOMPARE(fields->count(), qsizetype(MetadataFields::inEditorOrder().size()));
     const int row = fields->indexOfKey(key);
     QVERIFY(row >= 0);
     QSignalSpy changed(fields, &QAbstractItemModel::dataChanged);

@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include "metadata/MetadataFields.h"
 #include "metadata/MetadataViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/SectionHost.h"
@@ -109,7 +110,8 @@ private Q_SLOTS:
         }
         const QString first = *m_metadata->selectedLocale();
         QHash<QString, QString> typed;
-        for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+        for (const MetadataFieldInfo& info : MetadataFields::inEditorOrder()) {
+            const QString key = info.key.toString();
             QQuickItem* item = field(key);
             QVERIFY2(item, qPrintable(key));
             clickInto(item);
@@ -117,11 +119,11 @@ private Q_SLOTS:
             // To the end of the text: End for a line, Ctrl+End for a text area.
             QTest::keyClick(mainWindow(), Qt::Key_End);
             QTest::keyClick(mainWindow(), Qt::Key_End, Qt::ControlModifier);
-            const QString before = *MetadataViewModel::fieldText(*m_metadata->editBuffer(), key);
+            const QString before = MetadataFields::text(*m_metadata->editBuffer(), info.field);
             const QString word = u"Wort"_s + key.left(3);
             typeText(mainWindow(), word);
             const QString expected = before + word;
-            QCOMPARE(*MetadataViewModel::fieldText(*m_metadata->editBuffer(), key), expected);
+            QCOMPARE(MetadataFields::text(*m_metadata->editBuffer(), info.field), expected);
             QCOMPARE(item->property("text").toString(), expected);
             QCOMPARE(item->property("cursorPosition").toInt(), expected.size());
             QVERIFY2(item->hasActiveFocus(), qPrintable(key));
@@ -142,7 +144,8 @@ private Q_SLOTS:
         QTRY_COMPARE(m_metadata->selectedLocaleText(), first);
         QVERIFY(m_metadata->restoredDraftDate().has_value());
         for (auto it = typed.cbegin(); it != typed.cend(); ++it) {
-            QCOMPARE(*MetadataViewModel::fieldText(*m_metadata->editBuffer(), it.key()), it.value());
+            QCOMPARE(MetadataFields::text(*m_metadata->editBuffer(), *MetadataFields::fromRaw(it.key())),
+                     it.value());
             QCOMPARE(field(it.key())->property("text").toString(), it.value());
         }
     }
@@ -158,7 +161,8 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
 
         QList<QPair<QString, QRectF>> frames;
-        for (const auto& [key, label] : MetadataViewModel::fieldKeysAndLabels()) {
+        for (const MetadataFieldInfo& info : MetadataFields::inEditorOrder()) {
+            const QString key = info.key.toString();
             QQuickItem* item = field(key);
             QVERIFY2(item, qPrintable(key));
             QQuickItem* frame = fieldFrame(item);
