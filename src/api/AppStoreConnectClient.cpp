@@ -193,10 +193,11 @@ QCoro::Task<> AppStoreConnectClient::performUploadOperation(ASCUploadOperation o
     }
     const qint64 offset = operation.offset.value_or(0);
     const qint64 length = operation.length.value_or(data.size());
-    const qint64 end = std::min<qint64>(offset + length, data.size());
-    if (offset < 0 || end < offset) {
+    if (offset < 0 || offset > data.size() || length < 0) {
         throw VelmoraAPIError::unknown(-1);
     }
+    // Cut at the end of the data; no `offset + length` that could overflow.
+    const qint64 end = offset + std::min<qint64>(length, data.size() - offset);
     PipelineCall call;
     call.request.path = url.path();
     call.http.method = operation.method.value_or(u"PUT"_s).toLatin1();
@@ -209,7 +210,9 @@ QCoro::Task<> AppStoreConnectClient::performUploadOperation(ASCUploadOperation o
             }
         }
     }
-    call.http.body = data.mid(offset, end - offset);
+    // A view into `data`, not a copy: the parts of a large video would otherwise be copied one
+    // by one. `data` lives in this frame until the send is over.
+    call.http.body = QByteArray::fromRawData(data.constData() + offset, end - offset);
     qCDebug(lcClient, "UPLOAD chunk %ld+%ld", long(offset), long(length));
     co_await self->d->storage->send(std::move(call));
 }

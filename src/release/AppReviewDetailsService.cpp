@@ -1,11 +1,8 @@
 #include "release/AppReviewDetailsService.h"
 
 #include "api/AppStoreConnectClient.h"
+#include "api/AssetUploader.h"
 #include "release/ReleaseEndpoints.h"
-
-#include <QCryptographicHash>
-#include <QFile>
-#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -45,39 +42,13 @@ QCoro::Task<ManagedReviewAttachment>
 AppReviewDetailsService::uploadAttachment(QString filePath, QString reviewDetailID,
                                           std::shared_ptr<AppStoreConnectClient> client,
                                           std::function<void(double)> progress) {
-    const QString fileName = QFileInfo(filePath).fileName();
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw VelmoraAPIError::uploadFailed(u"„"_s + fileName + u"“ lässt sich nicht lesen: "_s +
-                                            file.errorString());
-    }
-    const QByteArray data = file.readAll();
-    file.close();
-
-    const AppStoreReviewAttachmentCreateRequestBody reserveBody{reviewDetailID, fileName,
-                                                                qint64(data.size())};
-    const auto reservation = co_await client->call(ReleaseEndpoints::reserveAttachment(reserveBody));
-
-    const QList<ASCUploadOperation> operations =
-        reservation.attributes
-            ? reservation.attributes->uploadOperations.value_or(QList<ASCUploadOperation>{})
-            : QList<ASCUploadOperation>{};
-    if (operations.isEmpty()) {
-        // The reservation stays at Apple; a retry starts with a new one.
-        throw VelmoraAPIError::uploadFailed(u"Apple hat für „"_s + fileName +
-                                            u"“ keine Upload-Adresse zurückgegeben."_s);
-    }
-    for (qsizetype i = 0; i < operations.size(); ++i) {
-        const ASCUploadOperation operation = operations.at(i);
-        co_await client->performUploadOperation(operation, data);
-        if (progress) {
-            progress(double(i + 1) / double(operations.size()));
-        }
-    }
-
-    const AppStoreReviewAttachmentCommitRequestBody commitBody{
-        reservation.id, QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex())};
-    const auto committed = co_await client->call(ReleaseEndpoints::commitAttachment(commitBody));
+    AssetUpload upload;
+    upload.kind = AssetUploadKind::reviewAttachment();
+    upload.filePath = filePath;
+    upload.parentID = reviewDetailID;
+    upload.progress = progress;
+    auto uploading = AssetUploader::upload<ASCAppStoreReviewAttachmentAttributes>(client, std::move(upload));
+    const auto committed = co_await uploading;
     co_return ManagedReviewAttachment::fromResource(committed.id, committed.attributes);
 }
 

@@ -10,27 +10,7 @@ ASCAppStoreReviewAttachmentAttributes ASCAppStoreReviewAttachmentAttributes::fro
     if (auto state = r.optObject(u"assetDeliveryState"_s)) {
         a.assetDeliveryState = state->optString(u"state"_s);
     }
-    if (auto operations = r.optArray(u"uploadOperations"_s)) {
-        QList<ASCUploadOperation> list;
-        for (const auto& value : *operations) {
-            const JsonReader op = JsonReader::of(value, u"uploadOperations[]"_s);
-            ASCUploadOperation operation;
-            operation.method = op.optString(u"method"_s);
-            operation.url = op.optString(u"url"_s);
-            operation.length = op.optInt(u"length"_s);
-            operation.offset = op.optInt(u"offset"_s);
-            if (auto headers = op.optArray(u"requestHeaders"_s)) {
-                QList<ASCUploadOperation::Header> parsed;
-                for (const auto& h : *headers) {
-                    const JsonReader header = JsonReader::of(h, u"requestHeaders[]"_s);
-                    parsed.append({header.optString(u"name"_s), header.optString(u"value"_s)});
-                }
-                operation.requestHeaders = parsed;
-            }
-            list.append(operation);
-        }
-        a.uploadOperations = list;
-    }
+    a.uploadOperations = ASCUploadOperation::listFromAttributes(r);
     return a;
 }
 

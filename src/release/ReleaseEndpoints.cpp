@@ -89,15 +89,6 @@ attachmentsOfReviewDetail(const QString& reviewDetailID, int limit) {
         limited(limit));
 }
 
-Endpoint<Attachment> reserveAttachment(const AppStoreReviewAttachmentCreateRequestBody& body) {
-    return Endpoint<Attachment>::post(u"/v1/appStoreReviewAttachments"_s, body.encoded());
-}
-
-Endpoint<Attachment> commitAttachment(const AppStoreReviewAttachmentCommitRequestBody& body) {
-    return Endpoint<Attachment>::patch(apiPath({u"v1", u"appStoreReviewAttachments", body.id}),
-                                       body.encoded());
-}
-
 Endpoint<Returns::Nothing> deleteAttachment(const QString& attachmentID) {
     return Endpoint<Returns::Nothing>::remove(apiPath({u"v1", u"appStoreReviewAttachments", attachmentID}));
 }

@@ -15,7 +15,6 @@ namespace ReleaseEndpoints {
 using Version = Returns::One<ASCAppStoreVersionAttributes>;
 using PhasedRelease = Returns::One<ASCPhasedReleaseAttributes>;
 using ReviewDetail = Returns::One<ASCAppStoreReviewDetailAttributes>;
-using Attachment = Returns::One<ASCAppStoreReviewAttachmentAttributes>;
 using Submission = Returns::One<ASCReviewSubmissionAttributes>;
 
 Endpoint<Returns::AllPages<ASCAppStoreVersionAttributes>> versionsOfApp(const QString& appID, int pageLimit,
@@ -42,8 +41,6 @@ Endpoint<ReviewDetail> createReviewDetail(const AppStoreReviewDetailCreateReques
 Endpoint<ReviewDetail> updateReviewDetail(const AppStoreReviewDetailUpdateRequestBody& body);
 Endpoint<Returns::Page<ASCAppStoreReviewAttachmentAttributes>>
 attachmentsOfReviewDetail(const QString& reviewDetailID, int limit);
-Endpoint<Attachment> reserveAttachment(const AppStoreReviewAttachmentCreateRequestBody& body);
-Endpoint<Attachment> commitAttachment(const AppStoreReviewAttachmentCommitRequestBody& body);
 Endpoint<Returns::Nothing> deleteAttachment(const QString& attachmentID);
 
 Endpoint<Returns::Page<ASCReviewSubmissionAttributes>> submissionsOfApp(const QString& appID, int limit);

@@ -136,22 +136,6 @@ QJsonObject AppStoreReviewDetailUpdateRequestBody::toJson() const {
                                 {u"attributes"_s, reviewDetailAttributes(detail, true)}});
 }
 
-QJsonObject AppStoreReviewAttachmentCreateRequestBody::toJson() const {
-    return document(QJsonObject{
-        {u"type"_s, u"appStoreReviewAttachments"_s},
-        {u"attributes"_s, QJsonObject{{u"fileSize"_s, fileSize}, {u"fileName"_s, fileName}}},
-        {u"relationships"_s,
-         QJsonObject{{u"appStoreReviewDetail"_s, toOne(u"appStoreReviewDetails"_s, reviewDetailID)}}}});
-}
-
-QJsonObject AppStoreReviewAttachmentCommitRequestBody::toJson() const {
-    return document(
-        QJsonObject{{u"type"_s, u"appStoreReviewAttachments"_s},
-                    {u"id"_s, id},
-                    {u"attributes"_s,
-                     QJsonObject{{u"uploaded"_s, true}, {u"sourceFileChecksum"_s, sourceFileChecksum}}}});
-}
-
 #define VARNIS_ENCODED(Type)                                                                                 \
     QByteArray Type::encoded() const {                                                                       \
         return bytes(toJson());                                                                              \
@@ -167,6 +151,4 @@ VARNIS_ENCODED(ReviewSubmissionItemCreateRequestBody)
 VARNIS_ENCODED(ReviewSubmissionUpdateRequestBody)
 VARNIS_ENCODED(AppStoreReviewDetailCreateRequestBody)
 VARNIS_ENCODED(AppStoreReviewDetailUpdateRequestBody)
-VARNIS_ENCODED(AppStoreReviewAttachmentCreateRequestBody)
-VARNIS_ENCODED(AppStoreReviewAttachmentCommitRequestBody)
 #undef VARNIS_ENCODED

@@ -102,19 +102,3 @@ struct AppStoreReviewDetailUpdateRequestBody {
     QJsonObject toJson() const;
     QByteArray encoded() const;
 };
-
-struct AppStoreReviewAttachmentCreateRequestBody {
-    QString reviewDetailID;
-    QString fileName;
-    qint64 fileSize = 0;
-    QJsonObject toJson() const;
-    QByteArray encoded() const;
-};
-
-struct AppStoreReviewAttachmentCommitRequestBody {
-    QString id;
-    // MD5 of the whole file, lower-case hex.
-    QString sourceFileChecksum;
-    QJsonObject toJson() const;
-    QByteArray encoded() const;
-};

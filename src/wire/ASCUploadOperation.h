@@ -1,5 +1,7 @@
 #pragma once
 
+#include "wire/JsonReader.h"
+
 #include <QList>
 #include <QString>
 
@@ -16,4 +18,8 @@ struct ASCUploadOperation {
     std::optional<qint64> length;
     std::optional<qint64> offset;
     std::optional<QList<Header>> requestHeaders;
+
+    static ASCUploadOperation fromJson(const JsonReader& r);
+    // The `uploadOperations` attribute of a reserved asset; absent when the key is absent or null.
+    static std::optional<QList<ASCUploadOperation>> listFromAttributes(const JsonReader& attributes);
 };
