@@ -1,5 +1,4 @@
 #include "api/DiskCache.h"
-#include "api/PendingWrite.h"
 #include "api/TaskCenter.h"
 #include "platform/Clock.h"
 #include "platform/GermanRelativeTime.h"
@@ -52,12 +51,9 @@ private Q_SLOTS:
     void yearOldValueStillLoads();
     void relativeTime_data();
     void relativeTime();
-    void updateWithoutProgressIsIndeterminate();
     void updateOfFinishedTaskChangesNothing();
     void cancel_data();
     void cancel();
-    void spokenLabel_data();
-    void spokenLabel();
 };
 
 void TestStores::keyWithSeparatorsIsOneFile() {
@@ -171,20 +167,6 @@ void TestStores::relativeTime() {
     QCOMPARE(GermanRelativeTime::describe(now.addSecs(-secondsAgo), now), text);
 }
 
-void TestStores::updateWithoutProgressIsIndeterminate() {
-    TaskCenter center;
-    const BackgroundTask t = task(u"Tester hinzufügen"_s, 0.3);
-    center.start(t);
-    center.update(t.id, std::nullopt);
-    QCOMPARE(center.tasks().size(), 1);
-    QCOMPARE(center.tasks().first().progress, std::nullopt);
-    // No detail given: the old one stays.
-    QCOMPARE(center.tasks().first().detail, std::optional<QString>(u"3 von 10"_s));
-    center.update(t.id, 0.5, u"5 von 10"_s);
-    QCOMPARE(center.tasks().first().progress, std::optional<double>(0.5));
-    QCOMPARE(center.tasks().first().detail, std::optional<QString>(u"5 von 10"_s));
-}
-
 void TestStores::updateOfFinishedTaskChangesNothing() {
     TaskCenter center;
     const BackgroundTask done = task(u"Fertig"_s, 0.9);
@@ -235,26 +217,6 @@ void TestStores::cancel() {
     center.cancel(t.id);
     center.finish(t.id);
     QCOMPARE(called, calls);
-}
-
-void TestStores::spokenLabel_data() {
-    QTest::addColumn<QString>("before"); // null: something new
-    QTest::addColumn<QString>("label");
-    QTest::newRow("with before") << u"anna@example.com"_s
-                                 << u"Einladung: von anna@example.com auf zurückgezogen"_s;
-    QTest::newRow("without before") << QString() << u"Einladung: zurückgezogen"_s;
-}
-
-void TestStores::spokenLabel() {
-    QFETCH(QString, before);
-    QFETCH(QString, label);
-    WriteChange change;
-    change.field = u"Einladung"_s;
-    if (!before.isNull()) {
-        change.before = before;
-    }
-    change.after = u"zurückgezogen"_s;
-    QCOMPARE(change.spokenLabel(), label);
 }
 
 QTEST_GUILESS_MAIN(TestStores)
