@@ -1,8 +1,8 @@
-#include "api/AppStoreConnectClient.h"
 #include "api/AuditLog.h"
-#include "api/AuthenticationService.h"
 #include "api/RateLimitGovernor.h"
 #include "api/TruncationRegistry.h"
+#include "fixtures/JsonApi.h"
+#include "fixtures/TestClient.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
@@ -11,8 +11,6 @@
 #include "support/TestServer.h"
 #include "workspace/ManagedApp.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -25,18 +23,7 @@ namespace {
 
 using Reply = TestServer::Reply;
 
-QByteArray page(const QStringList& ids, const std::optional<QString>& next = std::nullopt) {
-    QJsonArray data;
-    for (const auto& id : ids) {
-        data.append(QJsonObject{
-            {u"type"_s, u"apps"_s}, {u"id"_s, id}, {u"attributes"_s, QJsonObject{{u"name"_s, id}}}});
-    }
-    QJsonObject doc{{u"data"_s, data}};
-    if (next) {
-        doc.insert(u"links"_s, QJsonObject{{u"next"_s, *next}});
-    }
-    return QJsonDocument(doc).toJson(QJsonDocument::Compact);
-}
+using JsonApi::apps;
 
 APIRequest appsRequest() {
     APIRequest request = APIRequest::get(u"/v1/apps"_s);
@@ -68,13 +55,7 @@ class HttpTest : public QObject {
     TestKey m_key = makeTestKey();
 
     std::shared_ptr<AppStoreConnectClient> client() {
-        AppStoreConnectClient::Parts parts;
-        parts.clock = m_clock;
-        parts.transport = m_transport;
-        parts.apiRoot = m_server->baseUrl();
-        parts.auth =
-            std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM);
-        parts.accountName = u"Studio"_s;
+        auto parts = clientParts(m_clock, m_transport, m_key.privateKeyPEM, m_server->baseUrl());
         parts.auditLog = m_audit;
         parts.governor = m_governor;
         parts.truncationRegistry = m_registry;
@@ -108,7 +89,7 @@ private Q_SLOTS:
         if (!retryAfter.isNull()) {
             limited.headers.append({"Retry-After", retryAfter});
         }
-        m_server->script("GET", u"/v1/apps"_s, {limited, Reply::json(200, page({u"1"_s}))});
+        m_server->script("GET", u"/v1/apps"_s, {limited, Reply::json(200, apps({u"1"_s}))});
         const auto result = VarnisTest::awaitTask(
             client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest())));
         QCOMPARE(result.data.size(), 1);
@@ -171,10 +152,10 @@ private Q_SLOTS:
         TestServer second;
         m_server->script(
             "GET", u"/v1/apps"_s,
-            {Reply::json(200, page({u"1"_s}, second.url(u"/v1/apps?cursor=Mg&limit=200"_s).toString()))});
+            {Reply::json(200, apps({u"1"_s}, second.url(u"/v1/apps?cursor=Mg&limit=200"_s).toString()))});
         second.script(
             "GET", u"/v1/apps"_s,
-            {Reply::json(200, page({u"2"_s}, second.url(u"/v1/apps?cursor=Mw&limit=200"_s).toString()))});
+            {Reply::json(200, apps({u"2"_s}, second.url(u"/v1/apps?cursor=Mw&limit=200"_s).toString()))});
         auto result = VarnisTest::awaitTask(
             client()->call(Endpoint<Returns::AllPages<ASCAppAttributes>>::of(appsRequest(), 2)));
         QCOMPARE(result.items.size(), 2);
@@ -217,25 +198,11 @@ private Q_SLOTS:
         QCOMPARE(elsewhere.requests().size(), 0);
     }
 
-    void successThatIsNotJson() {
-        m_server->script("GET", u"/v1/apps"_s,
-                         {Reply::json(200, "Wartungsarbeiten"_ba, {{"Content-Type", "text/html"}})});
-        const auto error =
-            failureOf(client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest())));
-        QVERIFY(error);
-        QCOMPARE(error->kind(), VelmoraAPIError::Kind::Decoding);
-    }
-
     void refusedConnectionIsANetworkError() {
         // A port that was just given up has nobody listening on it.
         const QUrl dead = m_server->baseUrl();
         m_server = std::make_unique<TestServer>();
-        AppStoreConnectClient::Parts parts;
-        parts.clock = m_clock;
-        parts.transport = m_transport;
-        parts.apiRoot = dead;
-        parts.auth =
-            std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM);
+        const auto parts = clientParts(m_clock, m_transport, m_key.privateKeyPEM, dead);
         const auto error = failureOf(AppStoreConnectClient::create(parts)->call(bytesOf(appsRequest())));
         QVERIFY(error);
         QCOMPARE(error->kind(), VelmoraAPIError::Kind::Network);
@@ -257,28 +224,12 @@ private Q_SLOTS:
     }
 
     void freshClientsShareConnections() {
-        m_server->script("GET", u"/v1/apps"_s, {Reply::json(200, page({u"1"_s}))});
+        m_server->script("GET", u"/v1/apps"_s, {Reply::json(200, apps({u"1"_s}))});
         for (int i = 0; i < 100; ++i) {
             VarnisTest::awaitTask(client()->call(bytesOf(appsRequest())));
         }
         QCOMPARE(m_server->requests().size(), 100);
         QVERIFY2(m_server->connectionCount() <= 2, qPrintable(QString::number(m_server->connectionCount())));
-    }
-
-    void concurrentIdenticalGetsReachTheServerOnce() {
-        m_server->script("GET", u"/v1/apps"_s, {Reply::json(200, page({u"1"_s}))});
-        m_server->holdReplies(true);
-        auto c = client();
-        std::vector<QCoro::Task<QByteArray>> tasks;
-        for (int i = 0; i < 20; ++i) {
-            tasks.push_back(c->call(bytesOf(appsRequest())));
-        }
-        QTRY_COMPARE(m_server->heldCount(), 1);
-        m_server->releaseHeld();
-        for (auto& task : tasks) {
-            QCOMPARE(VarnisTest::awaitTask(std::move(task)), page({u"1"_s}));
-        }
-        QCOMPARE(m_server->requests().size(), 1);
     }
 };
 

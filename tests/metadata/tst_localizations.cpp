@@ -1,10 +1,9 @@
-#include "api/AppStoreConnectClient.h"
-#include "api/AuthenticationService.h"
+#include "fixtures/JsonApi.h"
+#include "fixtures/TestClient.h"
 #include "metadata/LocalizationsService.h"
 #include "platform/Clock.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
-#include "support/TestKeys.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -80,9 +79,9 @@ QStringList bodyViolations(const HttpRequest& request) {
     return problems;
 }
 
-QJsonObject resource(const QString& type, const QString& id, const QJsonObject& attributes) {
-    return QJsonObject{{u"type"_s, type}, {u"id"_s, id}, {u"attributes"_s, attributes}};
-}
+using JsonApi::page;
+using JsonApi::resource;
+using JsonApi::single;
 
 // "id:locale:text"; an empty locale leaves the attribute out.
 QByteArray page(const QString& type, const QString& textKey, const QStringList& entries) {
@@ -95,23 +94,15 @@ QByteArray page(const QString& type, const QString& textKey, const QStringList& 
         }
         data.append(resource(type, parts[0], attributes));
     }
-    return QJsonDocument(QJsonObject{{u"data"_s, data}, {u"links"_s, QJsonObject{}}}).toJson();
+    return page(data);
 }
 
-// A list of one resource.
-QByteArray pageOf(const QJsonObject& resource) {
-    return QJsonDocument(QJsonObject{{u"data"_s, QJsonArray{resource}}, {u"links"_s, QJsonObject{}}})
-        .toJson();
-}
-
-QByteArray single(const QJsonObject& object) {
-    return QJsonDocument(QJsonObject{{u"data"_s, object}}).toJson();
-}
-
-QByteArray appleError(const QString& detail) {
-    return QJsonDocument(QJsonObject{{u"errors"_s, QJsonArray{QJsonObject{{u"status"_s, u"409"_s},
-                                                                          {u"detail"_s, detail}}}}})
-        .toJson();
+// Apple's answer to a POST: the attributes it was sent, under the id `id`.
+FakeTransport::Handler echo(QString type, QString id) {
+    return [type, id](const HttpRequest& request) {
+        const QJsonValue sent = QJsonDocument::fromJson(request.body).object()[u"data"_s][u"attributes"_s];
+        return Answer::json(201, single(resource(type, id, sent.toObject())));
+    };
 }
 
 // locale|appInfoID|versionID|name|description, "-" for an absent id.
@@ -154,14 +145,7 @@ class LocalizationsTest : public QObject {
     TestKey m_key = makeTestKey();
 
     std::shared_ptr<AppStoreConnectClient> client() {
-        AppStoreConnectClient::Parts parts;
-        parts.clock = m_clock;
-        parts.transport = m_transport;
-        parts.apiRoot = QUrl(u"https://api.example.test"_s);
-        parts.auth =
-            std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM);
-        parts.accountName = u"Studio"_s;
-        return AppStoreConnectClient::create(std::move(parts));
+        return AppStoreConnectClient::create(clientParts(m_clock, m_transport, m_key.privateKeyPEM));
     }
 
     QList<ManagedLocalization> load(bool force = false) {
@@ -236,7 +220,8 @@ private Q_SLOTS:
 
     void failedSideFailsTheFetchAndIsNotCached() {
         scriptLists({u"i1:de-DE:Kladde"_s}, {});
-        m_transport->script("GET", versionPath, {Answer::json(404, appleError(u"Version fehlt"_s))});
+        m_transport->script("GET", versionPath,
+                            {Answer::json(404, JsonApi::error(u"409"_s, u"Version fehlt"_s))});
         QVERIFY_THROWS_EXCEPTION(VelmoraAPIError, load());
         scriptLists({u"i1:de-DE:Kladde"_s}, {});
         QCOMPARE(load().size(), 1);
@@ -325,10 +310,10 @@ private Q_SLOTS:
         (onAppInfo ? infoAttributes : versionAttributes).insert(key, text);
         m_transport->script(
             "GET", infoPath,
-            {Answer::json(200, pageOf(resource(u"appInfoLocalizations"_s, u"i1"_s, infoAttributes)))});
+            {Answer::json(200, page({resource(u"appInfoLocalizations"_s, u"i1"_s, infoAttributes)}))});
         m_transport->script("GET", versionPath,
-                            {Answer::json(200, pageOf(resource(u"appStoreVersionLocalizations"_s, u"v1"_s,
-                                                               versionAttributes)))});
+                            {Answer::json(200, page({resource(u"appStoreVersionLocalizations"_s, u"v1"_s,
+                                                              versionAttributes)}))});
         const QList<ManagedLocalization> loaded = load();
         QCOMPARE(loaded.size(), 1);
         const ManagedLocalization& read = loaded.first();
@@ -349,13 +334,6 @@ private Q_SLOTS:
                                         .toObject();
         QCOMPARE(patched, (QJsonObject{{key, u"Neu"_s}}));
 
-        const auto echo = [](QString type, QString id) {
-            return [type, id](const HttpRequest& request) {
-                const QJsonValue sent =
-                    QJsonDocument::fromJson(request.body).object()[u"data"_s][u"attributes"_s];
-                return Answer::json(201, single(resource(type, id, sent.toObject())));
-            };
-        };
         m_transport->route("POST", u"/v1/appInfoLocalizations"_s, echo(u"appInfoLocalizations"_s, u"i2"_s));
         m_transport->route("POST", u"/v1/appStoreVersionLocalizations"_s,
                            echo(u"appStoreVersionLocalizations"_s, u"v2"_s));
@@ -450,9 +428,9 @@ private Q_SLOTS:
         QFETCH(LocalizationSides, completed);
         QFETCH(int, requests);
         m_transport->script("PATCH", u"/v1/appInfoLocalizations/info-de"_s,
-                            {Answer::json(appInfoStatus, appleError(u"Name ist vergeben."_s))});
+                            {Answer::json(appInfoStatus, JsonApi::error(u"409"_s, u"Name ist vergeben."_s))});
         m_transport->script("PATCH", u"/v1/appStoreVersionLocalizations/ver-de"_s,
-                            {Answer::json(409, appleError(u"Version ist in Prüfung."_s))});
+                            {Answer::json(409, JsonApi::error(u"409"_s, u"Version ist in Prüfung."_s))});
         scriptLists({u"i1:de-DE:Kladde"_s}, {});
         load();
         ManagedLocalization edited = german();
@@ -492,14 +470,6 @@ private Q_SLOTS:
         QFETCH(bool, seeded);
         QFETCH(std::optional<QString>, versionID);
         QFETCH(QString, expected);
-        // Apple answers with the attributes it was sent.
-        const auto echo = [](QString type, QString id) {
-            return [type, id](const HttpRequest& request) {
-                const QJsonValue sent =
-                    QJsonDocument::fromJson(request.body).object()[u"data"_s][u"attributes"_s];
-                return Answer::json(201, single(resource(type, id, sent.toObject())));
-            };
-        };
         m_transport->route("POST", u"/v1/appInfoLocalizations"_s,
                            echo(u"appInfoLocalizations"_s, u"info-fr"_s));
         m_transport->route("POST", u"/v1/appStoreVersionLocalizations"_s,
@@ -536,7 +506,8 @@ private Q_SLOTS:
         QFETCH(bool, failed);
         m_transport->script(
             "DELETE", u"/v1/appStoreVersionLocalizations/ver-de"_s,
-            {Answer::json(versionStatus, versionStatus == 204 ? QByteArray() : appleError(u"Nein"_s))});
+            {Answer::json(versionStatus,
+                          versionStatus == 204 ? QByteArray() : JsonApi::error(u"409"_s, u"Nein"_s))});
         m_transport->script("DELETE", u"/v1/appInfoLocalizations/info-de"_s, {Answer::json(204, {})});
         bool raised = false;
         try {

@@ -1,9 +1,7 @@
-#include "release/ManagedPhasedRelease.h"
 #include "release/ManagedReviewSubmission.h"
 #include "reviews/ManagedReviewResponse.h"
 #include "testflight/ManagedBetaTester.h"
 #include "wire/APIRequest.h"
-#include "wire/ASCAssetDeliveryState.h"
 #include "wire/ASCEnums.h"
 #include "wire/AppleErrorDocument.h"
 #include "wire/FieldUpdate.h"
@@ -179,8 +177,6 @@ void TestWire::openEnums_data() {
         QTest::newRow(name) << decode << raw << known << display;
     };
     row("version state, first", decode<ASCAppStoreVersionState>, u"ACCEPTED"_s, true, u"Akzeptiert"_s);
-    row("version state, umlaut", decode<ASCAppStoreVersionState>, u"WAITING_FOR_EXPORT_COMPLIANCE"_s, true,
-        u"Warten auf Exportkonformität"_s);
     row("version state, last", decode<ASCAppStoreVersionState>, u"NOT_APPLICABLE"_s, true,
         u"Nicht zutreffend"_s);
     row("version state, new from Apple", decode<ASCAppStoreVersionState>, u"SOMETHING_NEW"_s, false,
@@ -190,11 +186,7 @@ void TestWire::openEnums_data() {
     row("platform, new", decode<ASCPlatform>, u"WATCH_OS"_s, false, u"WATCH_OS"_s);
     row("platform, blank kept", decode<ASCPlatform>, u" IOS"_s, false, u" IOS"_s);
     row("processing, new", decode<ASCProcessingState>, u"QUEUED"_s, false, u"QUEUED"_s);
-    row("phased release", decode<ASCPhasedReleaseState>, u"ACTIVE"_s, true, u"Läuft"_s);
-    row("review submission", decode<ASCReviewSubmissionState>, u"UNRESOLVED_ISSUES"_s, true,
-        u"Offene Beanstandungen"_s);
     row("review item, new", decode<ASCReviewSubmissionItemState>, u"WITHDRAWN"_s, false, u"WITHDRAWN"_s);
-    row("asset delivery", decode<ASCAssetDeliveryState>, u"FAILED"_s, true, u"Fehlgeschlagen"_s);
     row("review response", decode<ASCReviewResponseState>, u"PENDING_PUBLISH"_s, true, u"PENDING_PUBLISH"_s);
     row("beta tester, empty text", decode<ASCBetaTesterState>, QString(), false, QString());
 }

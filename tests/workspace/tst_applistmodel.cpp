@@ -2,11 +2,9 @@
 #include "api/DiskCache.h"
 #include "api/RowListModel.h"
 #include "api/WriteConfirmationViewModel.h"
-#include "platform/Clock.h"
 #include "support/AwaitTask.h"
-#include "support/FakeTransport.h"
-#include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
@@ -15,9 +13,7 @@
 #include "workspace/SectionRegistry.h"
 
 #include <QAbstractItemModelTester>
-#include <QSettings>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -27,19 +23,15 @@ using namespace Qt::StringLiterals;
 class AppListModelTest : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_dir;
+    std::unique_ptr<TestPlatform> m_seams;
     std::unique_ptr<AppState> m_state;
 
 private Q_SLOTS:
     void init() {
-        Platform platform;
-        platform.clock = std::make_shared<ManualClock>();
-        auto transport = std::make_shared<FakeTransport>();
-        transport->failWith("GET", u"/v1/apps"_s, u"Keine Netzwerkverbindung."_s);
-        platform.transport = transport;
-        platform.secrets = std::make_shared<MemorySecretStore>();
-        platform.paths = DataPaths::at(m_dir.filePath(u"data"_s));
-        platform.apiRoot = QUrl(u"https://api.example.test"_s);
+        m_state.reset();
+        m_seams = std::make_unique<TestPlatform>();
+        m_seams->transport->failWith("GET", u"/v1/apps"_s, u"Keine Netzwerkverbindung."_s);
+        const Platform platform = m_seams->platform();
 
         Account account;
         account.id = QUuid::createUuid();
@@ -59,9 +51,7 @@ private Q_SLOTS:
         DiskCache(platform.paths.cacheDirectory(), platform.clock)
             .storeList(AppsService::diskKey(account.id), apps);
 
-        m_state = std::make_unique<AppState>(
-            platform,
-            AppState::Options{std::make_shared<QSettings>(m_dir.filePath(u"s.ini"_s), QSettings::IniFormat)});
+        m_state = std::make_unique<AppState>(platform, AppState::Options{m_seams->settings});
         m_state->accountStore().useEphemeralAccount(account, makeTestKey().privateKeyPEM);
     }
 

@@ -1,6 +1,7 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/DiskCache.h"
+#include "fixtures/JsonApi.h"
 #include "platform/Clock.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
@@ -42,15 +43,7 @@ struct Fixture : TestPlatform {
     }
 
     void answerApps(const QStringList& names) {
-        QJsonArray data;
-        for (const QString& name : names) {
-            data.append(QJsonObject{
-                {u"type"_s, u"apps"_s},
-                {u"id"_s, u"id-"_s + name},
-                {u"attributes"_s, QJsonObject{{u"name"_s, name}, {u"bundleId"_s, u"b."_s + name}}}});
-        }
-        const QByteArray body = QJsonDocument(QJsonObject{{u"data"_s, data}}).toJson(QJsonDocument::Compact);
-        transport->script("GET", u"/v1/apps"_s, {FakeTransport::Answer::json(200, body)});
+        transport->script("GET", u"/v1/apps"_s, {FakeTransport::Answer::json(200, JsonApi::apps(names))});
     }
 
     void loadApps(bool forceRefresh) {
@@ -361,9 +354,6 @@ void TestAppState::refreshInterval() {
 void TestAppState::backgroundSettingsTellWhatMoved_data() {
     QTest::addColumn<QString>("change");
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("refresh") << u"refresh"_s << QStringList{u"isBackgroundRefreshEnabledChanged"_s};
-    QTest::newRow("notifications") << u"notifications"_s << QStringList{u"areNotificationsEnabledChanged"_s};
-    QTest::newRow("menu bar") << u"menuBar"_s << QStringList{u"isMenuBarEnabledChanged"_s};
     QTest::newRow("other choice") << u"240"_s << QStringList{u"intervalIndexChanged"_s};
     // 45 minutes shows as the hourly choice, which is what 60 shows too.
     QTest::newRow("same choice") << u"45"_s << QStringList{};
@@ -388,13 +378,7 @@ void TestAppState::backgroundSettingsTellWhatMoved() {
     }
     QCOMPARE(spies.size(), 4);
 
-    if (change == u"refresh"_s) {
-        preferences.setBackgroundRefreshEnabled(!preferences.isBackgroundRefreshEnabled());
-    } else if (change == u"notifications"_s) {
-        preferences.setNotificationsEnabled(!preferences.areNotificationsEnabled());
-    } else if (change == u"menuBar"_s) {
-        preferences.setMenuBarEnabled(!preferences.isMenuBarEnabled());
-    } else if (change == u"recent"_s) {
+    if (change == u"recent"_s) {
         preferences.markUsed(u"app-1"_s);
     } else {
         preferences.setBackgroundRefreshMinutes(change.toInt());

@@ -1,18 +1,13 @@
 #include "api/AccountStore.h"
-#include "platform/Clock.h"
+#include "fixtures/JsonApi.h"
 #include "platform/SingleInstance.h"
 #include "support/AwaitTask.h"
-#include "support/FakeTransport.h"
-#include "support/MemorySecretStore.h"
 #include "support/TestKeys.h"
+#include "support/TestPlatform.h"
 #include "workspace/AppState.h"
 #include "workspace/VelmoraURL.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -31,32 +26,16 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // An AppState with one account whose app list is "Alpha" and "Beta" (ids "id-Alpha", "id-Beta").
-struct Fixture {
-    QTemporaryDir dir;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
-    std::shared_ptr<FakeTransport> transport = std::make_shared<FakeTransport>();
+struct Fixture : TestPlatform {
     std::unique_ptr<AppState> state;
 
     Fixture() {
-        Platform p;
-        p.clock = clock;
-        p.transport = transport;
-        p.secrets = std::make_shared<MemorySecretStore>();
-        p.paths = DataPaths::at(dir.filePath(u"data"_s));
-        p.apiRoot = QUrl(u"https://api.example.test"_s);
-        auto settings = std::make_shared<QSettings>(dir.filePath(u"settings.ini"_s), QSettings::IniFormat);
-        state = std::make_unique<AppState>(p, AppState::Options{settings});
+        state = std::make_unique<AppState>(platform(), AppState::Options{settings});
         auto added = state->accountStore().addAccount(u"A"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
                                                       u"ABCDE12345"_s, makeTestKey().privateKeyPEM);
         VarnisTest::awaitTask(std::move(added));
-        QJsonArray data;
-        for (const QString& name : {u"Alpha"_s, u"Beta"_s}) {
-            data.append(QJsonObject{{u"type"_s, u"apps"_s},
-                                    {u"id"_s, u"id-"_s + name},
-                                    {u"attributes"_s, QJsonObject{{u"name"_s, name}}}});
-        }
-        const QByteArray body = QJsonDocument(QJsonObject{{u"data"_s, data}}).toJson(QJsonDocument::Compact);
-        transport->script("GET", u"/v1/apps"_s, {FakeTransport::Answer::json(200, body)});
+        transport->script("GET", u"/v1/apps"_s,
+                          {FakeTransport::Answer::json(200, JsonApi::apps({u"Alpha"_s, u"Beta"_s}))});
     }
 
     void loadApps() {
