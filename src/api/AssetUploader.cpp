@@ -210,8 +210,9 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
         }
     }
 
-    // The file stays open and mapped in this frame until the last part is sent: the parts are
-    // views into the mapping.
+    // The file stays open in this frame until the last part is sent; each part is read when it
+    // goes out, so that one part at a time is in memory and a file that shrinks meanwhile is an
+    // error rather than a crash (a mapping would fault on the missing pages).
     QFile file(upload.filePath);
     if (!file.open(QIODevice::ReadOnly)) {
         throw unreadable(fileName, file.errorString());
@@ -220,16 +221,6 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
     if (size <= 0) {
         throw VelmoraAPIError::uploadFailed(quoted(fileName) +
                                             u" ist leer; Apple nimmt keine leeren Dateien an."_s);
-    }
-    QByteArray content;
-    if (uchar* mapped = file.map(0, size)) {
-        content = QByteArray::fromRawData(reinterpret_cast<const char*>(mapped), size);
-    } else {
-        // Some file systems cannot map; then the file is read once.
-        content = file.readAll();
-        if (content.size() != size) {
-            throw unreadable(fileName, file.errorString());
-        }
     }
     std::optional<QFuture<FileDigest>> digest;
     if (kind.checksumAttribute) {
@@ -254,8 +245,17 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
     }
 
     for (qsizetype i = 0; i < operations.size(); ++i) {
-        const ASCUploadOperation operation = operations.at(i);
-        co_await client->performUploadOperation(operation, content);
+        ASCUploadOperation operation = operations.at(i);
+        const qint64 offset = operation.offset.value_or(0);
+        const qint64 length = std::min(operation.length.value_or(size - offset), size - offset);
+        QByteArray part(length, Qt::Uninitialized);
+        if (!file.seek(offset) || file.read(part.data(), length) != length) {
+            throw VelmoraAPIError::uploadFailed(
+                quoted(fileName) + u" hat sich während des Hochladens verändert; bitte erneut versuchen."_s);
+        }
+        operation.offset = 0;
+        operation.length = length;
+        co_await client->performUploadOperation(operation, part);
         if (upload.progress) {
             upload.progress(double(i + 1) / double(operations.size()));
         }

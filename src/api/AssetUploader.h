@@ -59,7 +59,7 @@ struct AssetUpload {
 
 // Apple's upload protocol for every kind of asset: reserve the resource, send the file's parts
 // to the storage addresses in the reservation (no token, no budget, no audit entry), then
-// commit. The file is mapped, not copied, and each part is a view into the mapping; its MD5 is
+// commit. Each part is read from the file when it goes out, one part in memory at a time; its MD5 is
 // computed on a worker thread while the parts go out. Every part is checked against the file
 // before the first one is sent, so a reservation with unusable parts never puts half a file at
 // Apple. The reservation stays at Apple when anything fails; a new try reserves anew.

@@ -76,7 +76,7 @@ class AssetUploadTest : public QObject {
         return AppStoreConnectClient::create(
             {m_clock, std::move(transport), std::move(root),
              std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM),
-             u"Studio"_s, m_audit, nullptr, nullptr});
+             u"Studio"_s, m_audit, nullptr, nullptr, nullptr});
     }
 
     // Uploads fox.png (or `file`) as `kind` and returns the German error, if any.
@@ -264,7 +264,7 @@ private Q_SLOTS:
         QCOMPARE(m_transport->requestCount(), 0);
     }
 
-    // The real HTTP stack sends views into a mapped file.
+    // The real HTTP stack sends the parts of a file of several megabytes.
     void largeFileOverLoopback() {
         TestServer server;
         QByteArray content(3 * 1024 * 1024 + 17, 'x');
