@@ -10,6 +10,7 @@
 #include "release/ReleaseEndpoints.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 
 #include <QTemporaryDir>
@@ -28,6 +29,10 @@ PipelineCall callTo(QByteArray method, QString path) {
     call.request.path = path;
     call.http.method = std::move(method);
     call.http.url = QUrl(u"https://api.example.test"_s + path);
+    if (call.request.method == APIRequest::Method::Post) {
+        call.request.body = newBetaGroupBody();
+        call.http.body = newBetaGroupBody();
+    }
     return call;
 }
 
@@ -154,7 +159,8 @@ private Q_SLOTS:
                                         << u"Zu viele Anfragen an App Store Connect. Bitte kurz warten."_s;
         QTest::newRow("control codes in Apple's detail are written out")
             << false << 409
-            << QByteArray("{\"errors\":[{\"detail\":\"\\u001b[2J\\u001b[HFrei\\r\\nZeile\\tzwei\\u0007\\u009b\"}]}")
+            << QByteArray(
+                   "{\"errors\":[{\"detail\":\"\\u001b[2J\\u001b[HFrei\\r\\nZeile\\tzwei\\u0007\\u009b\"}]}")
             << u"\\x1B[2J\\x1B[HFrei\\x0D\nZeile\tzwei\\x07\\u009B"_s;
         QTest::newRow("storage reads no error document")
             << true << 409 << apple << u"App Store Connect meldete Fehler 409."_s;

@@ -265,9 +265,10 @@ private Q_SLOTS:
     }
 
     void appInfoID() {
-        m_transport->script("GET", u"/v1/apps/app-1/appInfos"_s,
-                            {Answer::json(200, page(u"appInfos"_s, u"state"_s, {u"a1::x"_s})),
-                             Answer::json(200, page(u"appInfos"_s, u"state"_s, {}))});
+        m_transport->script(
+            "GET", u"/v1/apps/app-1/appInfos"_s,
+            {Answer::json(200, page(u"appInfos"_s, u"state"_s, {u"a1::PREPARE_FOR_SUBMISSION"_s})),
+             Answer::json(200, page(u"appInfos"_s, u"state"_s, {}))});
         QCOMPARE(VarnisTest::awaitTask(m_service->appInfoID(u"app-1"_s, client())), u"a1"_s);
         QCOMPARE(VarnisTest::awaitTask(m_service->appInfoID(u"app-1"_s, client())), std::nullopt);
         QCOMPARE(m_transport->requests().first().url.query(), u"limit=1"_s);
@@ -449,8 +450,11 @@ private Q_SLOTS:
         QFETCH(LocalizationSide, failedSide);
         QFETCH(LocalizationSides, completed);
         QFETCH(int, requests);
+        const QByteArray appInfoAnswer = appInfoStatus < 300
+                                             ? single(resource(u"appInfoLocalizations"_s, u"info-de"_s, {}))
+                                             : appleError(u"Name ist vergeben."_s);
         m_transport->script("PATCH", u"/v1/appInfoLocalizations/info-de"_s,
-                            {Answer::json(appInfoStatus, appleError(u"Name ist vergeben."_s))});
+                            {Answer::json(appInfoStatus, appInfoAnswer)});
         m_transport->script("PATCH", u"/v1/appStoreVersionLocalizations/ver-de"_s,
                             {Answer::json(409, appleError(u"Version ist in Prüfung."_s))});
         scriptLists({u"i1:de-DE:Kladde"_s}, {});

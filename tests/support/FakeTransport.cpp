@@ -36,6 +36,19 @@ FakeTransport::Answer FakeTransport::Answer::offline(QString description) {
     return result;
 }
 
+FakeTransport::Answer FakeTransport::Answer::withUndeclaredValues(QStringList values) const {
+    Answer result = *this;
+    result.undeclaredValues = std::move(values);
+    return result;
+}
+
+FakeTransport::Answer FakeTransport::Answer::breakingContract(QString why) const {
+    Q_ASSERT(!why.isEmpty());
+    Answer result = *this;
+    result.contractBreach = std::move(why);
+    return result;
+}
+
 FakeTransport::~FakeTransport() {
     if (!m_held.isEmpty()) {
         // Resuming them now could run code of objects that are already gone; they stay suspended.
@@ -50,6 +63,7 @@ QCoro::Task<HttpResponse> FakeTransport::send(HttpRequest request) {
         co_await HoldAwaiter{this};
     }
     const Answer result = answer(request);
+    checkContract(request, result);
     if (result.transportError) {
         throw TransportError(*result.transportError, result.isOffline);
     }
@@ -95,27 +109,60 @@ FakeTransport::Answer FakeTransport::answer(const HttpRequest& request) const {
     return Answer::json(404, appleNotFoundBody());
 }
 
-void FakeTransport::checkContract(const HttpRequest& request) {
-    if (m_contractMode == ContractMode::Off) {
-        return;
-    }
-    // Only API calls; uploads and presigned downloads go to other paths.
+namespace {
+
+// Only API calls; uploads and presigned downloads go to other paths.
+bool isApiCall(const HttpRequest& request) {
     static const QRegularExpression apiPath(u"^/v\\d+/"_s);
-    const QString path = request.url.path(QUrl::FullyEncoded);
-    if (!apiPath.match(path).hasMatch()) {
+    return apiPath.match(request.url.path(QUrl::FullyEncoded)).hasMatch();
+}
+
+bool isJson(const HttpResponse& response) {
+    return std::any_of(response.headers.cbegin(), response.headers.cend(), [](const auto& header) {
+        return header.first.compare("Content-Type", Qt::CaseInsensitive) == 0 &&
+               header.second.toLower().contains("json");
+    });
+}
+
+} // namespace
+
+void FakeTransport::checkContract(const HttpRequest& request) {
+    if (m_contractMode == ContractMode::Off || !isApiCall(request)) {
         return;
     }
+    const QString method = QString::fromLatin1(request.method);
+    const QString path = request.url.path(QUrl::FullyEncoded);
     QStringList names;
     const auto items = QUrlQuery(request.url).queryItems(QUrl::FullyDecoded);
     for (const auto& item : items) {
         names.append(item.first);
     }
-    const auto violation = OpenApiContract::check(QString::fromLatin1(request.method), path, names);
+    // A body is only worth checking once the operation is known.
+    auto violation = OpenApiContract::check(method, path, names);
     if (!violation) {
+        violation = OpenApiContract::checkBody(method, path, request.body);
+    }
+    if (violation) {
+        reportViolation(*violation);
+    }
+}
+
+void FakeTransport::checkContract(const HttpRequest& request, const Answer& answer) {
+    if (m_contractMode == ContractMode::Off || answer.transportError || !answer.contractBreach.isEmpty() ||
+        !isApiCall(request) || !isJson(answer.response)) {
         return;
     }
-    m_violations.append(*violation);
-    const QByteArray message = "OpenAPI contract violation: " + violation->toUtf8();
+    const auto violation = OpenApiContract::checkAnswer(
+        QString::fromLatin1(request.method), request.url.path(QUrl::FullyEncoded), answer.response.status,
+        answer.response.body, answer.undeclaredValues);
+    if (violation) {
+        reportViolation(*violation);
+    }
+}
+
+void FakeTransport::reportViolation(const QString& violation) {
+    m_violations.append(violation);
+    const QByteArray message = "OpenAPI contract violation: " + violation.toUtf8();
     qWarning("%s", message.constData());
     if (m_contractMode == ContractMode::Fail && QTest::currentTestFunction() && !QTest::currentTestFailed()) {
         QTest::qFail(message.constData(), __FILE__, __LINE__);

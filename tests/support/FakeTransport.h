@@ -12,10 +12,13 @@
 // recorded. Unscripted requests get Apple's 404 error document.
 //
 // Every request to an API path ("/v<digits>/...", on any host, so also `next` links) is checked
-// against Apple's OpenAPI document (OpenApiContract). A violation is printed with qWarning,
-// recorded in violations(), and fails the running test function at once (QTest::qFail), so
-// that it cannot be overlooked. Tests that send bad requests on purpose use
-// setContractMode(ContractMode::Record) and look at violations().
+// against Apple's OpenAPI document (OpenApiContract): method, path, query parameter names and
+// body; so is every successful JSON answer scripted for it, since that is what the decoders
+// are tested on. A violation is printed with qWarning, recorded in violations(), and fails the
+// running test function at once (QTest::qFail), so that it cannot be overlooked. Tests that
+// send bad requests on purpose use setContractMode(ContractMode::Record) and look at
+// violations(); an answer that breaks the document on purpose says so itself
+// (Answer::withUndeclaredValues, Answer::breakingContract).
 class FakeTransport final : public HttpTransport {
 public:
     // One scripted outcome: a response, or a TransportError with `transportError` as its text.
@@ -24,10 +27,20 @@ public:
         std::optional<QString> transportError;
         bool isOffline = false;
 
+        // Raw values that this answer carries on purpose where the document declares an
+        // enumeration, to see the client keep a raw text it does not know.
+        QStringList undeclaredValues;
+        // Why this answer breaks the document on purpose (a success that no decoder can read);
+        // such an answer is not checked at all.
+        QString contractBreach;
+
         static Answer json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
         static Answer error(QString description);
         // A TransportError that says the machine has no network.
         static Answer offline(QString description);
+
+        Answer withUndeclaredValues(QStringList values) const;
+        Answer breakingContract(QString why) const;
     };
     using Handler = std::function<Answer(const HttpRequest&)>;
 
@@ -76,6 +89,8 @@ private:
     };
 
     void checkContract(const HttpRequest& request);
+    void checkContract(const HttpRequest& request, const Answer& answer);
+    void reportViolation(const QString& violation);
     Answer answer(const HttpRequest& request) const;
 
     RouteTable<HttpRequest, Answer> m_routes;
