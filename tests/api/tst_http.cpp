@@ -124,8 +124,8 @@ private Q_SLOTS:
                          {Reply::json(503, "{}"_ba), Reply::json(503, "{}"_ba),
                           Reply::json(201, "{}"_ba, {{"X-Apple-Request-Id", "REQ-OK"}})});
         auto c = client();
-        VarnisTest::awaitTask(
-            c->call(nothingOf(APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, "{}"_ba))));
+        VarnisTest::awaitTask(c->call(nothingOf(
+            APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, newBetaGroupBody()))));
         const auto entries = m_audit->entries();
         QCOMPARE(entries.size(), 3);
         QCOMPARE(entries[0].appleRequestID, std::optional<QString>(u"REQ-OK"_s));
@@ -192,7 +192,8 @@ private Q_SLOTS:
         cut.cutAfter = 25;
         QTest::newRow("cut off after 25 of 1000 bytes")
             << cut << u"Netzwerkfehler: Der Server hat die Verbindung unerwartet geschlossen."_s;
-        Reply bomb = Reply::json(200, QByteArray(24 * 1024 * 1024, '\0'));
+        Reply bomb =
+            Reply::json(200, QByteArray(24 * 1024 * 1024, '\0')).breakingContract(u"no JSON at all"_s);
         bomb.gzip = true;
         QTest::newRow("gzip Qt refuses to inflate")
             << bomb << u"Netzwerkfehler: Die Antwort des Servers kam beschädigt an."_s;
@@ -219,7 +220,8 @@ private Q_SLOTS:
 
     void successThatIsNotJson() {
         m_server->script("GET", u"/v1/apps"_s,
-                         {Reply::json(200, "Wartungsarbeiten"_ba, {{"Content-Type", "text/html"}})});
+                         {Reply::json(200, "Wartungsarbeiten"_ba, {{"Content-Type", "text/html"}})
+                              .breakingContract(u"a maintenance page instead of JSON"_s)});
         const auto error =
             failureOf(client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest())));
         QVERIFY(error);

@@ -1,9 +1,5 @@
 #include "support/FakeTransport.h"
 
-#include "support/OpenApiContract.h"
-
-#include <QRegularExpression>
-#include <QTest>
 #include <QUrlQuery>
 #include <QtDebug>
 
@@ -38,14 +34,14 @@ FakeTransport::Answer FakeTransport::Answer::offline(QString description) {
 
 FakeTransport::Answer FakeTransport::Answer::withUndeclaredValues(QStringList values) const {
     Answer result = *this;
-    result.undeclaredValues = std::move(values);
+    result.contract.undeclaredValues = std::move(values);
     return result;
 }
 
 FakeTransport::Answer FakeTransport::Answer::breakingContract(QString why) const {
     Q_ASSERT(!why.isEmpty());
     Answer result = *this;
-    result.contractBreach = std::move(why);
+    result.contract.breach = std::move(why);
     return result;
 }
 
@@ -58,15 +54,21 @@ FakeTransport::~FakeTransport() {
 
 QCoro::Task<HttpResponse> FakeTransport::send(HttpRequest request) {
     m_requests.append(request);
-    checkContract(request);
+    QStringList queryNames;
+    const auto items = QUrlQuery(request.url).queryItems(QUrl::FullyDecoded);
+    for (const auto& item : items) {
+        queryNames.append(item.first);
+    }
+    m_contract.request(request.method, request.url.path(QUrl::FullyEncoded), queryNames, request.body);
     if (m_holding) {
         co_await HoldAwaiter{this};
     }
     const Answer result = answer(request);
-    checkContract(request, result);
     if (result.transportError) {
         throw TransportError(*result.transportError, result.isOffline);
     }
+    m_contract.answer(request.method, request.url.path(QUrl::FullyEncoded), result.response.status,
+                      result.response.headers, result.response.body, result.contract);
     co_return result.response;
 }
 
@@ -107,64 +109,4 @@ FakeTransport::Answer FakeTransport::answer(const HttpRequest& request) const {
         return (*handler)(request);
     }
     return Answer::json(404, appleNotFoundBody());
-}
-
-namespace {
-
-// Only API calls; uploads and presigned downloads go to other paths.
-bool isApiCall(const HttpRequest& request) {
-    static const QRegularExpression apiPath(u"^/v\\d+/"_s);
-    return apiPath.match(request.url.path(QUrl::FullyEncoded)).hasMatch();
-}
-
-bool isJson(const HttpResponse& response) {
-    return std::any_of(response.headers.cbegin(), response.headers.cend(), [](const auto& header) {
-        return header.first.compare("Content-Type", Qt::CaseInsensitive) == 0 &&
-               header.second.toLower().contains("json");
-    });
-}
-
-} // namespace
-
-void FakeTransport::checkContract(const HttpRequest& request) {
-    if (m_contractMode == ContractMode::Off || !isApiCall(request)) {
-        return;
-    }
-    const QString method = QString::fromLatin1(request.method);
-    const QString path = request.url.path(QUrl::FullyEncoded);
-    QStringList names;
-    const auto items = QUrlQuery(request.url).queryItems(QUrl::FullyDecoded);
-    for (const auto& item : items) {
-        names.append(item.first);
-    }
-    // A body is only worth checking once the operation is known.
-    auto violation = OpenApiContract::check(method, path, names);
-    if (!violation) {
-        violation = OpenApiContract::checkBody(method, path, request.body);
-    }
-    if (violation) {
-        reportViolation(*violation);
-    }
-}
-
-void FakeTransport::checkContract(const HttpRequest& request, const Answer& answer) {
-    if (m_contractMode == ContractMode::Off || answer.transportError || !answer.contractBreach.isEmpty() ||
-        !isApiCall(request) || !isJson(answer.response)) {
-        return;
-    }
-    const auto violation = OpenApiContract::checkAnswer(
-        QString::fromLatin1(request.method), request.url.path(QUrl::FullyEncoded), answer.response.status,
-        answer.response.body, answer.undeclaredValues);
-    if (violation) {
-        reportViolation(*violation);
-    }
-}
-
-void FakeTransport::reportViolation(const QString& violation) {
-    m_violations.append(violation);
-    const QByteArray message = "OpenAPI contract violation: " + violation.toUtf8();
-    qWarning("%s", message.constData());
-    if (m_contractMode == ContractMode::Fail && QTest::currentTestFunction() && !QTest::currentTestFailed()) {
-        QTest::qFail(message.constData(), __FILE__, __LINE__);
-    }
 }

@@ -446,6 +446,7 @@ private Q_SLOTS:
 
     void serverReusesOneConnection() {
         TestServer server;
+        server.setContractMode(TestServer::ContractMode::Off);
         server.script("GET", u"/v1/apps"_s, {TestServer::Reply::json(200, "{\"data\":[]}")});
         server.script("POST", u"/v1/things"_s, {TestServer::Reply::json(201, "{}")});
         for (int i = 0; i < 5; ++i) {
@@ -458,6 +459,37 @@ private Q_SLOTS:
         QCOMPARE(server.requests().size(), 5);
         QCOMPARE(server.requests().at(2).body, QByteArray(100000, 'x'));
         QCOMPARE(server.connectionCount(), 1);
+    }
+
+    // The loopback server checks what passes through it as the fake transport does.
+    void serverChecksBothDirections_data() { fakeTransportChecksBothDirections_data(); }
+
+    void serverChecksBothDirections() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, method);
+        QFETCH(QString, path);
+        QFETCH(QByteArray, body);
+        QFETCH(QByteArray, answer);
+        QFETCH(QStringList, undeclaredValues);
+        QFETCH(QString, violation);
+        TestServer server;
+        server.setContractMode(TestServer::ContractMode::Record);
+        server.script(method.toLatin1(), path,
+                      {TestServer::Reply::json(200, answer).withUndeclaredValues(undeclaredValues)});
+        if (!violation.isEmpty()) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"OpenAPI contract violation"_s));
+        }
+        std::unique_ptr<QNetworkReply> reply(
+            m_manager.sendCustomRequest(jsonRequest(server.url(path)), method.toLatin1(), body));
+        QVERIFY(finished(reply.get()));
+        QCOMPARE(reply->error(), QNetworkReply::NoError);
+        QCOMPARE(server.violations().size(), violation.isEmpty() ? 0 : 1);
+        if (!violation.isEmpty()) {
+            QVERIFY2(server.violations().constFirst().contains(violation),
+                     qPrintable(server.violations().constFirst()));
+        }
     }
 
     void serverHandlesPipeliningPartialReadsAndClose() {
