@@ -22,46 +22,36 @@ const QList<Allowance>& allowlist() {
     // document rejects is a bug in the client or in the test, not a reason for an entry.
     using Kind = Allowance::Kind;
     static const QList<Allowance> entries{
-        {Kind::NullText,
-         u"PATCH"_s,
-         {},
-         u"*"_s,
-         u"attributes.*"_s,
-         {},
-         u"An update clears a text attribute with an explicit null; leaving the attribute out keeps the "
-         u"old text. The document declares these attributes as plain strings, but Apple needs the null "
-         u"to clear them."_s},
+        {.kind = Kind::NullText,
+         .method = u"PATCH"_s,
+         .resourceType = u"*"_s,
+         .name = u"attributes.*"_s,
+         .reason =
+             u"An update clears a text attribute with an explicit null; leaving the attribute out keeps "
+             u"the old text. The document declares these attributes as plain strings, but Apple needs "
+             u"the null to clear them."_s},
         // JSON:API's empty to-one relationship: `data` is null. The document declares the
         // linkage (and the related resource) as an object that is always there.
-        {Kind::Null,
-         u"PATCH"_s,
-         u"/v1/appStoreVersions/{id}/relationships/build"_s,
-         {},
-         u"data"_s,
-         {},
-         u"Removing the build from a version sends the linkage as null; the document declares "
-         u"only a linkage object."_s},
-        {Kind::Null,
-         u"GET"_s,
-         u"/v1/appStoreVersions/{id}/build"_s,
-         {},
-         u"data"_s,
-         {},
-         u"A version without a build answers data: null."_s},
-        {Kind::Null,
-         u"GET"_s,
-         u"/v1/appStoreVersions/{id}/appStoreReviewDetail"_s,
-         {},
-         u"data"_s,
-         {},
-         u"A version whose review details were never saved answers data: null."_s},
-        {Kind::Null,
-         u"GET"_s,
-         u"/v1/appStoreVersions/{id}/appStoreVersionPhasedRelease"_s,
-         {},
-         u"data"_s,
-         {},
-         u"A version without a phased release answers data: null."_s},
+        {.kind = Kind::Null,
+         .method = u"PATCH"_s,
+         .path = u"/v1/appStoreVersions/{id}/relationships/build"_s,
+         .name = u"data"_s,
+         .reason = u"Removing the build from a version sends the linkage as null."_s},
+        {.kind = Kind::Null,
+         .method = u"GET"_s,
+         .path = u"/v1/appStoreVersions/{id}/build"_s,
+         .name = u"data"_s,
+         .reason = u"A version without a build answers data: null."_s},
+        {.kind = Kind::Null,
+         .method = u"GET"_s,
+         .path = u"/v1/appStoreVersions/{id}/appStoreReviewDetail"_s,
+         .name = u"data"_s,
+         .reason = u"A version whose review details were never saved answers data: null."_s},
+        {.kind = Kind::Null,
+         .method = u"GET"_s,
+         .path = u"/v1/appStoreVersions/{id}/appStoreVersionPhasedRelease"_s,
+         .name = u"data"_s,
+         .reason = u"A version without a phased release answers data: null."_s},
     };
     return entries;
 }

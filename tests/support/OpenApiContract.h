@@ -29,13 +29,13 @@ struct Allowance {
         NullText,       // in request bodies: JSON null for a member `name` that is declared as text
         Null,           // in bodies and answers: JSON null for a member `name`, whatever it declares
     };
-    Kind kind;
-    QString method;       // "GET"; empty: any
-    QString path;         // a path template, "/v1/apps/{id}/builds"; empty: any
-    QString resourceType; // "appStoreVersions"; "*": any, also none
-    QString name;         // query parameter or member path
-    QString value;        // for Kind::Value
-    QString reason;
+    Kind kind = Kind::Operation;
+    QString method = {};       // "GET"; empty: any
+    QString path = {};         // a path template, "/v1/apps/{id}/builds"; empty: any
+    QString resourceType = {}; // "appStoreVersions"; "*": any, also none; empty: outside any resource
+    QString name = {};         // query parameter or member path
+    QString value = {};        // for Kind::Value
+    QString reason = {};
 };
 
 // The allowlist of the project (see OpenApiContract.cpp).

@@ -320,18 +320,21 @@ private Q_SLOTS:
         QFETCH(bool, allowed);
         using Kind = OpenApiContract::Allowance::Kind;
         const QList<OpenApiContract::Allowance> probes{
-            {Kind::Operation, u"GET"_s, u"/v1/apps/{id}/newThings"_s, {}, {}, {}, u"probe"_s},
-            {Kind::QueryParameter, u"GET"_s, u"/v1/apps"_s, {}, u"filter[newThing]"_s, {}, u"probe"_s},
-            {Kind::Member, {}, {}, u"apps"_s, u"attributes.newThing"_s, {}, u"probe"_s},
-            {Kind::Value,
-             {},
-             {},
-             u"appStoreVersions"_s,
-             u"attributes.releaseType"_s,
-             u"SOMETIME"_s,
-             u"probe"_s},
-            {Kind::Null, u"GET"_s, u"/v1/appStoreVersions/{id}/build"_s, {}, u"data"_s, {}, u"probe"_s},
-            {Kind::NullText, u"PATCH"_s, {}, u"*"_s, u"attributes.*"_s, {}, u"probe"_s},
+            {.kind = Kind::Operation, .method = u"GET"_s, .path = u"/v1/apps/{id}/newThings"_s},
+            {.kind = Kind::QueryParameter,
+             .method = u"GET"_s,
+             .path = u"/v1/apps"_s,
+             .name = u"filter[newThing]"_s},
+            {.kind = Kind::Member, .resourceType = u"apps"_s, .name = u"attributes.newThing"_s},
+            {.kind = Kind::Value,
+             .resourceType = u"appStoreVersions"_s,
+             .name = u"attributes.releaseType"_s,
+             .value = u"SOMETIME"_s},
+            {.kind = Kind::Null,
+             .method = u"GET"_s,
+             .path = u"/v1/appStoreVersions/{id}/build"_s,
+             .name = u"data"_s},
+            {.kind = Kind::NullText, .method = u"PATCH"_s, .resourceType = u"*"_s, .name = u"attributes.*"_s},
         };
         const auto run = [&](const QList<OpenApiContract::Allowance>& allowed) {
             if (check == u"query"_s) {
