@@ -615,7 +615,7 @@ void TestAccounts::keyNeverLeaks() {
         QVERIFY(failure);
         errors.append(failure->description);
     };
-    run(good, APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, R"({"data":{}})"_ba));
+    run(good, APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, newBetaGroupBody()));
     run(good, APIRequest::get(u"/v1/apps"_s));
     run(broken, APIRequest::get(u"/v1/apps"_s));
     QCOMPARE(errors.last(), u"Der private API-Schlüssel ist ungültig."_s);

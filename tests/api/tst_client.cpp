@@ -30,7 +30,7 @@ APIRequest appsRequest() {
 }
 
 APIRequest postRequest() {
-    return APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, "{\"data\":{}}"_ba);
+    return APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, newBetaGroupBody());
 }
 
 // Runs a task and returns the German message of what it raised, or nothing.
@@ -117,7 +117,8 @@ private Q_SLOTS:
 
     void requestCarriesSignedTokenAndJsonType() {
         m_transport->script("PATCH", u"/v1/apps/1"_s, {Answer::json(200, "{}"_ba)});
-        APIRequest request = APIRequest::withBody(APIRequest::Method::Patch, u"/v1/apps/1"_s, "{}"_ba);
+        APIRequest request = APIRequest::withBody(APIRequest::Method::Patch, u"/v1/apps/1"_s,
+                                                  R"({"data":{"type":"apps","id":"1"}})"_ba);
         request.headers.insert(u"Content-Type"_s, u"text/plain"_s);
         VarnisTest::awaitTask(client()->call(nothingOf(request)));
         const HttpRequest sent = m_transport->requests().constFirst();
@@ -222,7 +223,9 @@ private Q_SLOTS:
 
     void undecodableSuccessIsADecodingError() {
         QFETCH(QByteArray, body);
-        m_transport->script("GET", u"/v1/apps"_s, {Answer::json(200, body)});
+        m_transport->script(
+            "GET", u"/v1/apps"_s,
+            {Answer::json(200, body).breakingContract(u"a success that no decoder can read"_s)});
         QCOMPARE(failureOf(client()->call(Endpoint<Returns::Page<ASCAppAttributes>>::of(appsRequest()))),
                  std::optional<QString>(u"Die Antwort von App Store Connect konnte nicht gelesen werden."_s));
     }

@@ -105,8 +105,8 @@ private Q_SLOTS:
                          {Reply::json(503, "{}"_ba), Reply::json(503, "{}"_ba),
                           Reply::json(201, "{}"_ba, {{"X-Apple-Request-Id", "REQ-OK"}})});
         auto c = client();
-        VarnisTest::awaitTask(
-            c->call(nothingOf(APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, "{}"_ba))));
+        VarnisTest::awaitTask(c->call(nothingOf(
+            APIRequest::withBody(APIRequest::Method::Post, u"/v1/betaGroups"_s, newBetaGroupBody()))));
         const auto entries = m_audit->entries();
         QCOMPARE(entries.size(), 3);
         QCOMPARE(entries[0].appleRequestID, std::optional<QString>(u"REQ-OK"_s));
@@ -173,7 +173,8 @@ private Q_SLOTS:
         cut.cutAfter = 25;
         QTest::newRow("cut off after 25 of 1000 bytes")
             << cut << u"Netzwerkfehler: Der Server hat die Verbindung unerwartet geschlossen."_s;
-        Reply bomb = Reply::json(200, QByteArray(24 * 1024 * 1024, '\0'));
+        Reply bomb =
+            Reply::json(200, QByteArray(24 * 1024 * 1024, '\0')).breakingContract(u"no JSON at all"_s);
         bomb.gzip = true;
         QTest::newRow("gzip Qt refuses to inflate")
             << bomb << u"Netzwerkfehler: Die Antwort des Servers kam beschädigt an."_s;

@@ -12,6 +12,7 @@
 #include "release/ReleaseEndpoints.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
+#include "support/RawEndpoints.h"
 #include "support/TestKeys.h"
 
 #include <QTemporaryDir>
@@ -30,6 +31,10 @@ PipelineCall callTo(QByteArray method, QString path) {
     call.request.path = path;
     call.http.method = std::move(method);
     call.http.url = QUrl(u"https://api.example.test"_s + path);
+    if (call.request.method == APIRequest::Method::Post) {
+        call.request.body = newBetaGroupBody();
+        call.http.body = newBetaGroupBody();
+    }
     return call;
 }
 

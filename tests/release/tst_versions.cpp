@@ -101,7 +101,8 @@ private Q_SLOTS:
                     return Answer::json(204, {});
                 }
                 const auto type = QJsonDocument::fromJson(r.body).object()[u"data"_s][u"type"_s].toString();
-                return Answer::json(200, single(resource(type.isEmpty() ? u"x"_s : type, u"new"_s, {})));
+                return Answer::json(200, single(QJsonObject{{u"type"_s, type.isEmpty() ? u"x"_s : type},
+                                                            {u"id"_s, u"new"_s}}));
             },
             RouteMatch::Prefix);
     }
@@ -133,9 +134,9 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, releaseType);
         attributes.insert(u"versionString"_s, u"1.0"_s);
-        m_transport->script(
-            "GET", u"/v1/apps/app1/appStoreVersions"_s,
-            {Answer::json(200, page({resource(u"appStoreVersions"_s, u"v1"_s, attributes)}))});
+        m_transport->script("GET", u"/v1/apps/app1/appStoreVersions"_s,
+                            {Answer::json(200, page({resource(u"appStoreVersions"_s, u"v1"_s, attributes)}))
+                                 .withUndeclaredValues({u"AWAITING_MOON"_s, u"SOMEDAY"_s})});
         const auto list = loadVersions();
         QCOMPARE(list.size(), 1);
         QCOMPARE(int(list[0].state.value()), state);

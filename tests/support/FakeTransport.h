@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/HttpTransport.h"
+#include "support/ContractCheck.h"
 #include "support/RouteTable.h"
 
 #include <QStringList>
@@ -11,11 +12,10 @@
 // HttpTransport without a network: scripted answers by method and path, every request
 // recorded. Unscripted requests get Apple's 404 error document.
 //
-// Every request to an API path ("/v<digits>/...", on any host, so also `next` links) is checked
-// against Apple's OpenAPI document (OpenApiContract). A violation is printed with qWarning,
-// recorded in violations(), and fails the running test function at once (QTest::qFail), so
-// that it cannot be overlooked. Tests that send bad requests on purpose use
-// setContractMode(ContractMode::Record) and look at violations().
+// Requests and answers are checked against Apple's OpenAPI document (ContractCheck). Tests
+// that send bad requests on purpose use setContractMode(ContractMode::Record) and look at
+// violations(); an answer that leaves the document on purpose says so itself
+// (Answer::withUndeclaredValues, Answer::breakingContract).
 class FakeTransport final : public HttpTransport {
 public:
     // One scripted outcome: a response, or a TransportError with `transportError` as its text.
@@ -24,14 +24,19 @@ public:
         std::optional<QString> transportError;
         bool isOffline = false;
 
+        ContractCheck::Leeway contract;
+
         static Answer json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
         static Answer error(QString description);
         // A TransportError that says the machine has no network.
         static Answer offline(QString description);
+
+        Answer withUndeclaredValues(QStringList values) const;
+        Answer breakingContract(QString why) const;
     };
     using Handler = std::function<Answer(const HttpRequest&)>;
 
-    enum class ContractMode { Fail, Record, Off };
+    using ContractMode = ContractCheck::Mode;
 
     FakeTransport() = default;
     ~FakeTransport() override;
@@ -63,9 +68,9 @@ public:
     QList<HttpRequest> requestsTo(const QByteArray& method, const QString& path) const;
     void clearRequests() { m_requests.clear(); }
 
-    void setContractMode(ContractMode mode) { m_contractMode = mode; }
-    const QStringList& violations() const { return m_violations; }
-    void clearViolations() { m_violations.clear(); }
+    void setContractMode(ContractMode mode) { m_contract.setMode(mode); }
+    const QStringList& violations() const { return m_contract.violations(); }
+    void clearViolations() { m_contract.clear(); }
 
 private:
     struct HoldAwaiter {
@@ -75,14 +80,12 @@ private:
         void await_resume() const noexcept {}
     };
 
-    void checkContract(const HttpRequest& request);
     Answer answer(const HttpRequest& request) const;
 
     RouteTable<HttpRequest, Answer> m_routes;
     QList<HttpRequest> m_requests;
     QList<std::coroutine_handle<>> m_held;
-    QStringList m_violations;
-    ContractMode m_contractMode = ContractMode::Fail;
+    ContractCheck m_contract;
     bool m_holding = false;
 };
 

@@ -10,3 +10,10 @@ inline Endpoint<Returns::Bytes> bytesOf(APIRequest request) {
 inline Endpoint<Returns::Nothing> nothingOf(APIRequest request) {
     return Endpoint<Returns::Nothing>::of(std::move(request));
 }
+
+// The body of a write that Apple's document accepts, for tests of the client itself: a new
+// beta group of the app "app-1" (POST /v1/betaGroups).
+inline QByteArray newBetaGroupBody() {
+    return QByteArrayLiteral(R"({"data":{"type":"betaGroups","attributes":{"name":"Tester"},)"
+                             R"("relationships":{"app":{"data":{"type":"apps","id":"app-1"}}}}})");
+}

@@ -110,6 +110,29 @@ TestServer::Reply TestServer::Reply::json(int status, QByteArray body,
     return Reply{status, std::move(headers), std::move(body)};
 }
 
+TestServer::Reply TestServer::Reply::withUndeclaredValues(QStringList values) const {
+    Reply result = *this;
+    result.contract.undeclaredValues = std::move(values);
+    return result;
+}
+
+TestServer::Reply TestServer::Reply::breakingContract(QString why) const {
+    Q_ASSERT(!why.isEmpty());
+    Reply result = *this;
+    result.contract.breach = std::move(why);
+    return result;
+}
+
+namespace {
+
+// The path as it came on the wire, percent-encoded, without the query.
+QString wirePath(const TestServer::Request& request) {
+    const qsizetype query = request.target.indexOf('?');
+    return QString::fromLatin1(query < 0 ? request.target : request.target.left(query));
+}
+
+} // namespace
+
 TestServer::TestServer(QObject* parent) : QObject(parent) {
     connect(&m_server, &QTcpServer::newConnection, this, &TestServer::accept);
     if (!m_server.listen(QHostAddress::LocalHost, 0)) {
@@ -228,6 +251,11 @@ void TestServer::readFrom(QTcpSocket* socket) {
         }
         request.connection = connection.number;
         m_requests.append(request);
+        QStringList queryNames;
+        for (const auto& item : request.query) {
+            queryNames.append(item.first);
+        }
+        m_contract.request(request.method, wirePath(request), queryNames, request.body);
         connection.pending.append(Pending{request, m_nextSequence++, m_holding, closeAfter});
         connection.inputDone = closeAfter;
         Q_EMIT requestReceived();
@@ -314,6 +342,10 @@ void TestServer::answerFirst(Connection& connection) {
         reply = (*handler)(pending.request);
     } else {
         reply = Reply::json(404, appleNotFoundBody());
+    }
+    if (!reply.dropConnection && reply.cutAfter < 0) {
+        m_contract.answer(pending.request.method, wirePath(pending.request), reply.status, reply.headers,
+                          reply.body, reply.contract);
     }
     writeReply(connection, pending.request, reply, pending.closeAfter || reply.closeConnection);
 }

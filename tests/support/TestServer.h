@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/ContractCheck.h"
 #include "support/RouteTable.h"
 
 #include <QList>
@@ -18,6 +19,11 @@ class QTcpSocket;
 // Persistent connections and pipelining are supported, request bodies only with
 // Content-Length. Every reply carries Content-Length. Unscripted requests get Apple's 404 error
 // document. Everything runs on the event loop of the thread that made the server.
+//
+// Requests and replies are checked against Apple's OpenAPI document (ContractCheck), as the
+// fake transport does. Tests of the transport that send made-up requests use
+// setContractMode(ContractMode::Off); a reply that leaves the document on purpose says so
+// itself (Reply::withUndeclaredValues, Reply::breakingContract).
 class TestServer : public QObject {
     Q_OBJECT
 
@@ -44,11 +50,16 @@ public:
         bool closeConnection = false; // "Connection: close", and close after this reply
         bool dropConnection = false;  // close the connection instead of answering
         qsizetype cutAfter = -1;      // announce the whole body, send this many bytes of it, close
+        ContractCheck::Leeway contract = {};
 
         // A reply with "Content-Type: application/json".
         static Reply json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
+        Reply withUndeclaredValues(QStringList values) const;
+        Reply breakingContract(QString why) const;
     };
     using Handler = std::function<Reply(const Request&)>;
+
+    using ContractMode = ContractCheck::Mode;
 
     explicit TestServer(QObject* parent = nullptr);
     ~TestServer() override;
@@ -79,6 +90,9 @@ public:
     void clearRequests() { m_requests.clear(); }
     // TCP connections accepted so far.
     int connectionCount() const { return m_connectionCount; }
+
+    void setContractMode(ContractMode mode) { m_contract.setMode(mode); }
+    const QStringList& violations() const { return m_contract.violations(); }
 
 Q_SIGNALS:
     // A request was received and recorded in requests().
@@ -118,4 +132,5 @@ private:
     quint64 m_nextSequence = 0;
     int m_connectionCount = 0;
     bool m_holding = false;
+    ContractCheck m_contract;
 };

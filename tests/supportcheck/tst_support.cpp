@@ -13,6 +13,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
+#include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTest>
 
@@ -48,6 +49,25 @@ HttpRequest apiGet(const QString& pathAndQuery) {
     HttpRequest request;
     request.url = QUrl(u"https://api.appstoreconnect.apple.com"_s + pathAndQuery);
     return request;
+}
+
+// An update of a resource of `type` (id "x") with the attribute members `attributes`.
+QByteArray update(const char* type, const char* attributes) {
+    return QByteArray(R"({"data":{"type":")") + type + R"(","id":"x","attributes":{)" + attributes + "}}}";
+}
+
+// A list answer of one resource.
+QByteArray list(const QByteArray& resource) {
+    return "{\"data\":[" + resource + "]}";
+}
+
+// Nothing when `expected` is empty, otherwise a violation that contains it.
+void verifyOutcome(const std::optional<QString>& violation, const QString& expected) {
+    if (expected.isEmpty()) {
+        QVERIFY2(!violation, qPrintable(violation.value_or(QString())));
+    } else {
+        QVERIFY2(violation && violation->contains(expected), qPrintable(violation.value_or(u"accepted"_s)));
+    }
 }
 
 } // namespace
@@ -94,7 +114,325 @@ private Q_SLOTS:
         QVERIFY(OpenApiContract::check(u"PATCH"_s, u"/v1/appStoreVersionLocalizations/abc"_s, {u"cursor"_s}));
     }
 
+    void contractChecksBodies_data() {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("violation"); // empty: accepted
+
+        const QString localization = u"/v1/appStoreVersionLocalizations/loc-1"_s;
+        const QString version = u"/v1/appStoreVersions/ver-1"_s;
+        QTest::newRow("update") << u"PATCH"_s << localization
+                                << update("appStoreVersionLocalizations", R"("description":"Neu")")
+                                << QString();
+        QTest::newRow("null clears a text in an update")
+            << u"PATCH"_s << localization << update("appStoreVersionLocalizations", R"("whatsNew":null)")
+            << QString();
+        QTest::newRow("misspelt attribute")
+            << u"PATCH"_s << localization << update("appStoreVersionLocalizations", R"("descripton":"Neu")")
+            << u"data.attributes.descripton: not declared for appStoreVersionLocalizations"_s;
+        QTest::newRow("number for a text")
+            << u"PATCH"_s << version << update("appStoreVersions", R"("versionString":2)")
+            << u"data.attributes.versionString: number where string is declared"_s;
+        QTest::newRow("text for a boolean")
+            << u"PATCH"_s << u"/v1/reviewSubmissions/sub-1"_s
+            << update("reviewSubmissions", R"("submitted":"true")")
+            << u"data.attributes.submitted: string where boolean is declared"_s;
+        QTest::newRow("unknown enumeration value")
+            << u"PATCH"_s << version << update("appStoreVersions", R"("releaseType":"WHENEVER")")
+            << u"data.attributes.releaseType: \"WHENEVER\" is not a declared value (MANUAL, "_s;
+        QTest::newRow("null for a boolean") << u"PATCH"_s << u"/v1/reviewSubmissions/sub-1"_s
+                                            << update("reviewSubmissions", R"("submitted":null)")
+                                            << u"data.attributes.submitted: null where boolean is declared"_s;
+        QTest::newRow("wrong resource type")
+            << u"PATCH"_s << localization << update("appInfoLocalizations", R"("description":"Neu")")
+            << u"data.type: \"appInfoLocalizations\" is not a declared value (appStoreVersionLocalizations)"_s;
+        QTest::newRow("update without id")
+            << u"PATCH"_s << localization
+            << R"({"data":{"type":"appStoreVersionLocalizations","attributes":{}}})"_ba
+            << u"data.id: required but missing"_s;
+        QTest::newRow("member beside data")
+            << u"PATCH"_s << localization
+            << R"({"data":{"type":"appStoreVersionLocalizations","id":"loc-1"},"meta":{}})"_ba
+            << u"meta: not declared"_s;
+
+        const QString create = u"/v1/appStoreVersionLocalizations"_s;
+        const auto created = [](const char* attributes, const char* relationships) {
+            return QByteArray(R"({"data":{"type":"appStoreVersionLocalizations","attributes":{)") +
+                   attributes + R"(},"relationships":{)" + relationships + "}}}";
+        };
+        const char* parent = R"("appStoreVersion":{"data":{"type":"appStoreVersions","id":"ver-1"}})";
+        QTest::newRow("create") << u"POST"_s << create << created(R"("locale":"de-DE")", parent) << QString();
+        QTest::newRow("null in a create")
+            << u"POST"_s << create << created(R"("locale":"de-DE","whatsNew":null)", parent)
+            << u"data.attributes.whatsNew: null where string is declared"_s;
+        QTest::newRow("missing required attribute") << u"POST"_s << create << created("", parent)
+                                                    << u"data.attributes.locale: required but missing"_s;
+        QTest::newRow("unknown relationship")
+            << u"POST"_s << create
+            << created(
+                   R"("locale":"de-DE")",
+                   R"("appStoreVersion":{"data":{"type":"appStoreVersions","id":"v"}},"app":{"data":{"type":"apps","id":"a"}})")
+            << u"data.relationships.app: not declared for appStoreVersionLocalizations"_s;
+        QTest::newRow("wrong type of a related resource")
+            << u"POST"_s << create
+            << created(R"("locale":"de-DE")", R"("appStoreVersion":{"data":{"type":"apps","id":"a"}})")
+            << u"data.relationships.appStoreVersion.data.type: \"apps\" is not a declared value"_s;
+        QTest::newRow("missing required relationship")
+            << u"POST"_s << create
+            << R"({"data":{"type":"appStoreVersionLocalizations","attributes":{"locale":"de-DE"}}})"_ba
+            << u"data.relationships: required but missing"_s;
+        QTest::newRow("fraction for an integer")
+            << u"POST"_s << u"/v1/appStoreReviewAttachments"_s
+            << R"({"data":{"type":"appStoreReviewAttachments","attributes":{"fileName":"a.pdf","fileSize":1.5},
+                 "relationships":{"appStoreReviewDetail":{"data":{"type":"appStoreReviewDetails","id":"d"}}}}})"_ba
+            << u"data.attributes.fileSize: number where integer is declared"_s;
+
+        QTest::newRow("relationship linkage")
+            << u"PATCH"_s << u"/v1/appStoreVersions/ver-1/relationships/build"_s
+            << R"({"data":{"type":"builds","id":"b-1"}})"_ba << QString();
+        QTest::newRow("no body where one is required") << u"PATCH"_s << localization << QByteArray()
+                                                       << u"sends no body, but the operation requires one"_s;
+        QTest::newRow("a body where none is taken") << u"DELETE"_s << version << R"({"data":[]})"_ba
+                                                    << u"sends a body, but the operation takes none"_s;
+        QTest::newRow("no JSON") << u"PATCH"_s << localization << "{data:"_ba << u"the body is no JSON"_s;
+    }
+
+    void contractChecksBodies() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, method);
+        QFETCH(QString, path);
+        QFETCH(QByteArray, body);
+        QFETCH(QString, violation);
+        verifyOutcome(OpenApiContract::checkBody(method, path, body), violation);
+    }
+
+    void contractChecksAnswers_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QStringList>("undeclaredValues");
+        QTest::addColumn<QString>("violation"); // empty: accepted
+
+        const QString apps = u"/v1/apps"_s;
+        const QString versions = u"/v1/apps/app-1/appStoreVersions"_s;
+        const QByteArray app = R"({"type":"apps","id":"1","attributes":{"name":"Kladde","bundleId":"de.k"}})";
+        QTest::newRow("list without links") << apps << 200 << list(app) << QStringList() << QString();
+        QTest::newRow("misspelt attribute")
+            << apps << 200 << list(R"({"type":"apps","id":"1","attributes":{"bundleID":"de.k"}})")
+            << QStringList() << u"data[0].attributes.bundleID: not declared for apps"_s;
+        QTest::newRow("text for a boolean")
+            << versions << 200
+            << list(R"({"type":"appStoreVersions","id":"v","attributes":{"downloadable":"ja"}})")
+            << QStringList() << u"data[0].attributes.downloadable: string where boolean is declared"_s;
+        const QByteArray newState =
+            list(R"({"type":"appStoreVersions","id":"v","attributes":{"appVersionState":"BRAND_NEW"}})");
+        QTest::newRow("unknown enumeration value")
+            << versions << 200 << newState << QStringList()
+            << u"data[0].attributes.appVersionState: \"BRAND_NEW\" is not a declared value"_s;
+        QTest::newRow("unknown value on purpose")
+            << versions << 200 << newState << QStringList{u"BRAND_NEW"_s} << QString();
+        QTest::newRow("wrong resource type")
+            << apps << 200 << list(R"({"type":"app","id":"1"})") << QStringList()
+            << u"data[0].type: \"app\" is not a declared value (apps)"_s;
+        QTest::newRow("resource without id") << apps << 200 << list(R"({"type":"apps"})") << QStringList()
+                                             << u"data[0].id: required but missing"_s;
+        QTest::newRow("included resource")
+            << apps << 200
+            << R"({"data":[],"included":[{"type":"appStoreVersions","id":"v","attributes":{"versionString":"1.0"}}]})"_ba
+            << QStringList() << QString();
+        QTest::newRow("misspelt attribute of an included resource")
+            << apps << 200
+            << R"({"data":[],"included":[{"type":"builds","id":"b"},{"type":"appStoreVersions","id":"v","attributes":{"versionStrin":"1.0"}}]})"_ba
+            << QStringList() << u"included[1].attributes.versionStrin: not declared for appStoreVersions"_s;
+        QTest::newRow("included resource of an undeclared type")
+            << apps << 200 << R"({"data":[],"included":[{"type":"spaceships","id":"s"}]})"_ba << QStringList()
+            << u"included[0].type: \"spaceships\" is none of the declared types"_s;
+        QTest::newRow("a created resource")
+            << u"/v1/appStoreVersions"_s << 201
+            << R"({"data":{"type":"appStoreVersions","id":"v","attributes":{"platform":"IOS"}}})"_ba
+            << QStringList() << QString();
+        QTest::newRow("an error is no fixture")
+            << apps << 409 << R"({"errors":[{"weird":1}]})"_ba << QStringList() << QString();
+        QTest::newRow("no JSON") << apps << 200 << "<html>"_ba << QStringList() << u"answer 200 is no JSON"_s;
+    }
+
+    void contractChecksAnswers() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, path);
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        QFETCH(QStringList, undeclaredValues);
+        QFETCH(QString, violation);
+        const QString method = status == 201 ? u"POST"_s : u"GET"_s;
+        verifyOutcome(OpenApiContract::checkAnswer(method, path, status, body, undeclaredValues), violation);
+    }
+
+    // Each probe breaks the document and passes only through an allowlist entry made for it.
+    void contractAllowsWhatTheAllowlistNames_data() {
+        QTest::addColumn<QString>("check"); // "query", "body" or "answer"
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("payload"); // query parameter names, comma-separated, or the JSON
+        QTest::addColumn<bool>("allowed");
+
+        QTest::newRow("undescribed operation")
+            << u"query"_s << u"GET"_s << u"/v1/apps/app-1/newThings"_s << "limit"_ba << true;
+        QTest::newRow("undescribed operation, other method")
+            << u"query"_s << u"DELETE"_s << u"/v1/apps/app-1/newThings"_s << ""_ba << false;
+        QTest::newRow("query parameter")
+            << u"query"_s << u"GET"_s << u"/v1/apps"_s << "limit,filter[newThing]"_ba << true;
+        QTest::newRow("query parameter of another operation")
+            << u"query"_s << u"GET"_s << u"/v1/builds"_s << "filter[newThing]"_ba << false;
+        QTest::newRow("member") << u"answer"_s << u"GET"_s << u"/v1/apps"_s
+                                << list(R"({"type":"apps","id":"1","attributes":{"newThing":7}})") << true;
+        QTest::newRow("member of another resource type")
+            << u"answer"_s << u"GET"_s << u"/v1/builds"_s
+            << list(R"({"type":"builds","id":"1","attributes":{"newThing":7}})") << false;
+        QTest::newRow("value") << u"body"_s << u"PATCH"_s << u"/v1/appStoreVersions/v"_s
+                               << update("appStoreVersions", R"("releaseType":"SOMETIME")") << true;
+        QTest::newRow("other value") << u"body"_s << u"PATCH"_s << u"/v1/appStoreVersions/v"_s
+                                     << update("appStoreVersions", R"("releaseType":"NEVER")") << false;
+        QTest::newRow("null") << u"answer"_s << u"GET"_s << u"/v1/appStoreVersions/v/build"_s
+                              << R"({"data":null})"_ba << true;
+        QTest::newRow("null elsewhere")
+            << u"answer"_s << u"GET"_s << u"/v1/appStoreVersions/v/appStoreReviewDetail"_s
+            << R"({"data":null})"_ba << false;
+        QTest::newRow("null text only in bodies of its method")
+            << u"body"_s << u"POST"_s << u"/v1/appStoreVersions"_s
+            << R"({"data":{"type":"appStoreVersions","attributes":{"platform":"IOS","versionString":"1","copyright":null},
+                 "relationships":{"app":{"data":{"type":"apps","id":"a"}}}}})"_ba
+            << false;
+    }
+
+    void contractAllowsWhatTheAllowlistNames() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, check);
+        QFETCH(QString, method);
+        QFETCH(QString, path);
+        QFETCH(QByteArray, payload);
+        QFETCH(bool, allowed);
+        using Kind = OpenApiContract::Allowance::Kind;
+        const QList<OpenApiContract::Allowance> probes{
+            {.kind = Kind::Operation, .method = u"GET"_s, .path = u"/v1/apps/{id}/newThings"_s},
+            {.kind = Kind::QueryParameter,
+             .method = u"GET"_s,
+             .path = u"/v1/apps"_s,
+             .name = u"filter[newThing]"_s},
+            {.kind = Kind::Member, .resourceType = u"apps"_s, .name = u"attributes.newThing"_s},
+            {.kind = Kind::Value,
+             .resourceType = u"appStoreVersions"_s,
+             .name = u"attributes.releaseType"_s,
+             .value = u"SOMETIME"_s},
+            {.kind = Kind::Null,
+             .method = u"GET"_s,
+             .path = u"/v1/appStoreVersions/{id}/build"_s,
+             .name = u"data"_s},
+            {.kind = Kind::NullText, .method = u"PATCH"_s, .resourceType = u"*"_s, .name = u"attributes.*"_s},
+        };
+        const auto run = [&](const QList<OpenApiContract::Allowance>& allowed) {
+            if (check == u"query"_s) {
+                const QStringList names = QString::fromUtf8(payload).split(u',', Qt::SkipEmptyParts);
+                return OpenApiContract::check(method, path, names, allowed);
+            }
+            if (check == u"body"_s) {
+                return OpenApiContract::checkBody(method, path, payload, allowed);
+            }
+            return OpenApiContract::checkAnswer(method, path, 200, payload, {}, allowed);
+        };
+        QVERIFY2(run({}), "the probe breaks the document");
+        const auto violation = run(probes);
+        QVERIFY2(violation.has_value() != allowed, qPrintable(violation.value_or(u"accepted"_s)));
+    }
+
+    // An entry that the document has caught up with hides nothing any more and goes.
+    void contractAllowlistIsNeededAndReasoned() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        using Kind = OpenApiContract::Allowance::Kind;
+        for (const auto& entry : OpenApiContract::allowlist()) {
+            QVERIFY2(entry.reason.size() > 20, qPrintable(entry.name + u": no reason given"_s));
+            const QString concrete =
+                QString(entry.path).replace(QRegularExpression(u"\\{[^}]+\\}"_s), u"x"_s);
+            if (entry.kind == Kind::Operation) {
+                QVERIFY2(OpenApiContract::check(entry.method, concrete, {}, {}),
+                         qPrintable(entry.path + u" is in the document now"_s));
+            } else if (entry.kind == Kind::QueryParameter) {
+                QVERIFY2(OpenApiContract::check(entry.method, concrete, {entry.name}, {}),
+                         qPrintable(entry.name + u" is in the document now"_s));
+            }
+        }
+    }
+
     // FakeTransport
+
+    void fakeTransportChecksBothDirections_data() {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QStringList>("undeclaredValues");
+        QTest::addColumn<QString>("violation"); // empty: none
+
+        const QByteArray app = list(R"({"type":"apps","id":"1","attributes":{"name":"Kladde"}})");
+        QTest::newRow("declared") << u"GET"_s << u"/v1/apps"_s << QByteArray() << app << QStringList()
+                                  << QString();
+        QTest::newRow("undeclared path")
+            << u"GET"_s << u"/v1/nonsense"_s << QByteArray() << app << QStringList() << u"no path"_s;
+        QTest::newRow("misspelt attribute in a body")
+            << u"PATCH"_s << u"/v1/appStoreVersions/x"_s
+            << update("appStoreVersions", R"("copyrigth":"2025")") << QByteArray("{}") << QStringList()
+            << u"data.attributes.copyrigth: not declared"_s;
+        QTest::newRow("misspelt attribute in a fixture")
+            << u"GET"_s << u"/v1/apps"_s << QByteArray()
+            << list(R"({"type":"apps","id":"1","attributes":{"nmae":"Kladde"}})") << QStringList()
+            << u"data[0].attributes.nmae: not declared for apps"_s;
+        const QByteArray unknownState =
+            list(R"({"type":"appStoreVersions","id":"v","attributes":{"appStoreState":"NEXT_STATE"}})");
+        QTest::newRow("unknown value in a fixture")
+            << u"GET"_s << u"/v1/apps/1/appStoreVersions"_s << QByteArray() << unknownState << QStringList()
+            << u"NEXT_STATE"_s;
+        QTest::newRow("unknown value in a fixture on purpose")
+            << u"GET"_s << u"/v1/apps/1/appStoreVersions"_s << QByteArray() << unknownState
+            << QStringList{u"NEXT_STATE"_s} << QString();
+        QTest::newRow("no API call") << u"PUT"_s << u"/upload/part-1"_s << QByteArray("bytes")
+                                     << QByteArray("{}") << QStringList() << QString();
+    }
+
+    void fakeTransportChecksBothDirections() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, method);
+        QFETCH(QString, path);
+        QFETCH(QByteArray, body);
+        QFETCH(QByteArray, answer);
+        QFETCH(QStringList, undeclaredValues);
+        QFETCH(QString, violation);
+        FakeTransport fake;
+        fake.setContractMode(FakeTransport::ContractMode::Record);
+        fake.script(method.toLatin1(), path,
+                    {FakeTransport::Answer::json(200, answer).withUndeclaredValues(undeclaredValues)});
+        HttpRequest request = apiGet(path);
+        request.method = method.toLatin1();
+        request.body = body;
+        if (!violation.isEmpty()) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"OpenAPI contract violation"_s));
+        }
+        QCOMPARE(awaitTask(fake.send(request)).status, 200);
+        QCOMPARE(fake.violations().size(), violation.isEmpty() ? 0 : 1);
+        if (!violation.isEmpty()) {
+            QVERIFY2(fake.violations().constFirst().contains(violation),
+                     qPrintable(fake.violations().constFirst()));
+        }
+    }
 
     void fakeTransportFailsTheTestOnViolation() {
         if (!OpenApiContract::isAvailable()) {
@@ -111,6 +449,7 @@ private Q_SLOTS:
 
     void serverReusesOneConnection() {
         TestServer server;
+        server.setContractMode(TestServer::ContractMode::Off);
         server.script("GET", u"/v1/apps"_s, {TestServer::Reply::json(200, "{\"data\":[]}")});
         server.script("POST", u"/v1/things"_s, {TestServer::Reply::json(201, "{}")});
         for (int i = 0; i < 5; ++i) {
@@ -123,6 +462,37 @@ private Q_SLOTS:
         QCOMPARE(server.requests().size(), 5);
         QCOMPARE(server.requests().at(2).body, QByteArray(100000, 'x'));
         QCOMPARE(server.connectionCount(), 1);
+    }
+
+    // The loopback server checks what passes through it as the fake transport does.
+    void serverChecksBothDirections_data() { fakeTransportChecksBothDirections_data(); }
+
+    void serverChecksBothDirections() {
+        if (!OpenApiContract::isAvailable()) {
+            QSKIP("The OpenAPI document is not on this checkout.");
+        }
+        QFETCH(QString, method);
+        QFETCH(QString, path);
+        QFETCH(QByteArray, body);
+        QFETCH(QByteArray, answer);
+        QFETCH(QStringList, undeclaredValues);
+        QFETCH(QString, violation);
+        TestServer server;
+        server.setContractMode(TestServer::ContractMode::Record);
+        server.script(method.toLatin1(), path,
+                      {TestServer::Reply::json(200, answer).withUndeclaredValues(undeclaredValues)});
+        if (!violation.isEmpty()) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"OpenAPI contract violation"_s));
+        }
+        std::unique_ptr<QNetworkReply> reply(
+            m_manager.sendCustomRequest(jsonRequest(server.url(path)), method.toLatin1(), body));
+        QVERIFY(finished(reply.get()));
+        QCOMPARE(reply->error(), QNetworkReply::NoError);
+        QCOMPARE(server.violations().size(), violation.isEmpty() ? 0 : 1);
+        if (!violation.isEmpty()) {
+            QVERIFY2(server.violations().constFirst().contains(violation),
+                     qPrintable(server.violations().constFirst()));
+        }
     }
 
     void serverHandlesPipeliningPartialReadsAndClose() {
