@@ -8,7 +8,7 @@ import Varnis.Theme
 // A new API key: the findings show up while the user types.
 GroupBox {
     id: form
-    title: "Neuer Account"
+    title: Shell.addAccount.formTitle
 
     ColumnLayout {
         anchors.fill: parent

@@ -17,8 +17,7 @@ GroupBox {
             Layout.fillWidth: true
             text: Shell.accountSettings.capabilityHeadline
             wrapMode: Text.Wrap
-            color: Shell.accountSettings.isKeyMissing ? Theme.toneColor("negative", palette.windowText)
-                                                      : palette.windowText
+            color: Theme.toneColor(Shell.accountSettings.capabilityHeadlineTone, palette.windowText)
         }
         Button {
             objectName: "reimportKeyButton"

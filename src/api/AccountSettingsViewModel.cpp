@@ -61,6 +61,7 @@ AccountSettingsViewModel::AccountSettingsViewModel(AppState& state, QObject* par
     connect(&m_store, &AccountStore::missingKeysChanged, this, [this] {
         Q_EMIT isKeyMissingChanged();
         Q_EMIT capabilityHeadlineChanged();
+        Q_EMIT capabilityHeadlineToneChanged();
     });
     followCurrent();
     syncCapabilities();
@@ -79,12 +80,16 @@ bool AccountSettingsViewModel::isKeyMissing() const {
     return m_currentID && m_store.isKeyMissing(*m_currentID);
 }
 
+QString AccountSettingsViewModel::capabilityHeadlineTone() const {
+    return isKeyMissing() ? u"negative"_s : u"neutral"_s;
+}
+
 void AccountSettingsViewModel::reimportKey() {
     const auto account = currentAccount();
     if (!account) {
         return;
     }
-    Q_EMIT keyReimportRequested(account->name, account->issuerID, account->keyID,
+    Q_EMIT keyReimportRequested(account->id, account->name, account->issuerID, account->keyID,
                                 account->vendorNumber.value_or(QString()));
     setAdding(true);
 }
@@ -116,6 +121,7 @@ void AccountSettingsViewModel::emitCurrentChanged() {
     Q_EMIT isEphemeralChanged();
     Q_EMIT capabilityHeadlineChanged();
     Q_EMIT isKeyMissingChanged();
+    Q_EMIT capabilityHeadlineToneChanged();
     Q_EMIT removalExplanationChanged();
     Q_EMIT canRemoveChanged();
 }

@@ -59,6 +59,8 @@ class AccountSettingsViewModel : public QObject {
     Q_PROPERTY(QString vendorNumber READ vendorNumber WRITE setVendorNumber NOTIFY vendorNumberChanged)
     Q_PROPERTY(QString vendorNumberMessage READ vendorNumberMessage NOTIFY vendorNumberMessageChanged)
     Q_PROPERTY(QString capabilityHeadline READ capabilityHeadline NOTIFY capabilityHeadlineChanged)
+    // "negative" while the key is missing, else "neutral".
+    Q_PROPERTY(QString capabilityHeadlineTone READ capabilityHeadlineTone NOTIFY capabilityHeadlineToneChanged)
     // The keychain holds no key for the account being edited: the card offers to import it again.
     Q_PROPERTY(bool isKeyMissing READ isKeyMissing NOTIFY isKeyMissingChanged)
     // title, available, hint, mark ("✓"/"✗"), markColor, accessibleName; keyed by title.
@@ -99,6 +101,7 @@ public:
     QString vendorNumberMessage() const;
     QString capabilityHeadline() const;
     bool isKeyMissing() const;
+    QString capabilityHeadlineTone() const;
     QAbstractListModel* capabilities() const { return m_capabilities; }
     bool isProbing() const;
     bool isRemoving() const;
@@ -147,9 +150,10 @@ Q_SIGNALS:
     void vendorNumberMessageChanged();
     void capabilityHeadlineChanged();
     void isKeyMissingChanged();
+    void capabilityHeadlineToneChanged();
     // Asks the form for a new key to start from these values.
-    void keyReimportRequested(const QString& name, const QString& issuerID, const QString& keyID,
-                              const QString& vendorNumber);
+    void keyReimportRequested(const QUuid& accountID, const QString& name, const QString& issuerID,
+                              const QString& keyID, const QString& vendorNumber);
     void isProbingChanged();
     void isRemovingChanged();
     void canRemoveChanged();

@@ -28,9 +28,12 @@ AccountStore::AccountStore(Platform platform, QObject* parent)
       m_truncation(std::make_shared<TruncationRegistry>()),
       m_auditLog(std::make_shared<AuditLog>(m_platform.paths.auditLogFile())) {
     load();
+    QCoro::connect(dropUnfinishedKeys(), this, [] {});
 }
 
 AccountStore::~AccountStore() = default;
+
+const QString AccountStore::keysInProgressFile = u"keys-in-progress.json"_s;
 
 void AccountStore::load() {
     // A damaged file counts as empty and is left alone until the next successful write.
@@ -91,59 +94,93 @@ std::optional<Account> AccountStore::account(const QUuid& id) const {
     return std::nullopt;
 }
 
-namespace {
-
-// Ids of new accounts are derived from issuer and key id within this namespace.
-const QUuid accountNamespace(u"{6f1c7e52-3a8d-4b0e-9d21-5c4f8a7b9e13}"_s);
-
-} // namespace
-
 QCoro::Task<Account> AccountStore::addAccount(QString name, QString issuerID, QString keyID,
                                               QByteArray privateKeyPEM, std::optional<QString> vendorNumber) {
-    QPointer<AccountStore> self(this);
-    const QString nameKey = name.trimmed().toCaseFolded();
-    // The account this add stands for, if it is one already listed: the same key under the same
-    // name, or the same key of an account whose key went missing.
-    std::optional<Account> sameKey;
-    const QList<Account> listed = m_accounts;
-    for (const Account& existing : listed) {
-        if (existing.keyID != keyID || existing.issuerID.compare(issuerID, Qt::CaseInsensitive) != 0) {
-            continue;
-        }
-        const bool sameName = existing.name.trimmed().toCaseFolded() == nameKey;
-        if (sameName || co_await checkKeyMissing(existing)) {
-            sameKey = existing;
-            break;
-        }
-    }
-    if (!self) {
-        co_return Account{};
-    }
-    Account account = sameKey.value_or(Account{});
-    if (!sameKey) {
-        account.id =
-            QUuid::createUuidV5(accountNamespace, issuerID.toLower() + u'/' + keyID + u'/' + nameKey);
-        account.issuerID = issuerID;
-        account.keyID = keyID;
-        account.createdAt = m_platform.clock->now();
-    }
+    Account account;
+    account.id = QUuid::createUuid();
     account.name = std::move(name);
+    account.issuerID = std::move(issuerID);
+    account.keyID = std::move(keyID);
+    account.createdAt = m_platform.clock->now();
     account.vendorNumber = nilIfBlank(vendorNumber);
+    QPointer<AccountStore> self(this);
     const QString keyName = account.idText();
-    co_await m_platform.secrets->save(keyName, privateKeyPEM);
+    // Noted before the keychain is written: if the process ends before the accounts file lists
+    // the account, the next start finds the key nobody lists and deletes it.
+    noteKeyInProgress(account.id, true);
+    try {
+        co_await m_platform.secrets->save(keyName, privateKeyPEM);
+    } catch (...) {
+        if (self) {
+            noteKeyInProgress(account.id, false);
+        }
+        throw;
+    }
     if (!self) {
         co_return account;
     }
-    noteKeyMissing(account.id, false);
-    if (const qsizetype row = sameKey ? m_accounts.indexOf(*sameKey) : -1; row >= 0) {
-        m_accounts.replace(row, account);
-    } else {
-        m_accounts.append(account);
-    }
+    m_accounts.append(account);
     setSelectedAccountID(account.id);
     persist();
+    noteKeyInProgress(account.id, false);
     Q_EMIT accountsChanged();
     co_return account;
+}
+
+QCoro::Task<> AccountStore::replaceKey(Account account, QByteArray privateKeyPEM) {
+    QPointer<AccountStore> self(this);
+    const QString keyName = account.idText();
+    co_await m_platform.secrets->save(keyName, privateKeyPEM);
+    if (self) {
+        noteKeyMissing(account.id, false);
+    }
+}
+
+void AccountStore::noteKeyInProgress(const QUuid& id, bool inProgress) {
+    const QString path = m_platform.paths.file(keysInProgressFile);
+    QJsonArray ids = QJsonDocument::fromJson(AtomicFile::read(path).value_or(QByteArray())).array();
+    const QJsonValue text(Account::idText(id));
+    if (inProgress) {
+        ids.append(text);
+    } else {
+        for (qsizetype i = ids.size() - 1; i >= 0; --i) {
+            if (ids.at(i) == text) {
+                ids.removeAt(i);
+            }
+        }
+    }
+    if (auto error = AtomicFile::write(path, QJsonDocument(ids).toJson(QJsonDocument::Compact))) {
+        qCWarning(lcAccountStore, "Failed to note a key in progress: %s", qPrintable(*error));
+    }
+}
+
+QCoro::Task<> AccountStore::dropUnfinishedKeys() {
+    QPointer<AccountStore> self(this);
+    const QString path = m_platform.paths.file(keysInProgressFile);
+    const auto bytes = AtomicFile::read(path);
+    if (!bytes) {
+        co_return;
+    }
+    const QJsonArray ids = QJsonDocument::fromJson(*bytes).array();
+    for (const QJsonValue& value : ids) {
+        const QUuid id(value.toString());
+        if (id.isNull() || account(id)) {
+            // Listed after all: the add got through to the file.
+            noteKeyInProgress(id, false);
+            continue;
+        }
+        const QString keyName = value.toString();
+        try {
+            co_await m_platform.secrets->remove(keyName);
+        } catch (...) {
+            // The keychain cannot be asked now; the entry stays for the next start.
+            co_return;
+        }
+        if (!self) {
+            co_return;
+        }
+        noteKeyInProgress(id, false);
+    }
 }
 
 QCoro::Task<> AccountStore::removeAccount(Account account) {

@@ -31,14 +31,13 @@ public:
     std::optional<Account> selectedAccount() const;
     std::optional<Account> account(const QUuid& id) const;
 
-    // Raises KeychainError; the list stays unchanged then. The same key (issuer and key id) under
-    // the same name, or for an account whose key went missing, is that account again: its key is
-    // stored anew and name and vendor number follow. The id of a new account follows from issuer,
-    // key id and name, so that a key left in the keychain by an interrupted add is replaced by
-    // the next add of that key under that name.
+    // Raises KeychainError; the list stays unchanged then.
     QCoro::Task<Account> addAccount(QString name, QString issuerID, QString keyID, QByteArray privateKeyPEM,
                                     std::optional<QString> vendorNumber = std::nullopt);
     QCoro::Task<> removeAccount(Account account);
+    // Stores the key of a listed account anew, for an account whose key went missing; raises
+    // KeychainError.
+    QCoro::Task<> replaceKey(Account account, QByteArray privateKeyPEM);
     void updateAccount(const Account& account);
 
     // The account's private key (raises KeychainError; encodingFailed if it is not UTF-8).
@@ -82,6 +81,11 @@ private:
     void load();
     void persist();
     void noteKeyMissing(const QUuid& id, bool missing);
+    // The ids whose key is being written while the accounts file does not list them yet.
+    void noteKeyInProgress(const QUuid& id, bool inProgress);
+    // Deletes the keys of adds that never reached the accounts file.
+    QCoro::Task<> dropUnfinishedKeys();
+    static const QString keysInProgressFile;
 
     Platform m_platform;
     QList<Account> m_accounts;

@@ -7,6 +7,7 @@
 #include "api/RowListModel.h"
 #include "platform/LocalPath.h"
 #include "platform/VarnisError.h"
+#include "wire/JsonReader.h"
 
 #include <QDir>
 #include <QFile>
@@ -356,9 +357,19 @@ QCoro::Task<> AddAccountViewModel::saveAsync() {
     const QString keyID = m_keyID.trimmed();
     const QByteArray pem = m_privateKeyPEM;
     const std::optional<QString> vendorNumber = m_vendorNumber.trimmed();
+    // The key of the listed account the form was opened for, as long as it is the same key.
+    std::optional<Account> rekeyed = m_reimportFor ? store.account(*m_reimportFor) : std::nullopt;
+    if (rekeyed &&
+        (rekeyed->keyID != keyID || rekeyed->issuerID.compare(issuerID, Qt::CaseInsensitive) != 0)) {
+        rekeyed.reset();
+    }
     QString failure;
     try {
-        co_await store.addAccount(name, issuerID, keyID, pem, vendorNumber);
+        if (rekeyed) {
+            co_await store.replaceKey(*rekeyed, pem);
+        } else {
+            co_await store.addAccount(name, issuerID, keyID, pem, vendorNumber);
+        }
     } catch (const std::exception& error) {
         failure = describeError(error);
     } catch (...) {
@@ -372,6 +383,13 @@ QCoro::Task<> AddAccountViewModel::saveAsync() {
         co_return;
     }
     run.succeed();
+    if (rekeyed) {
+        if (auto current = store.account(rekeyed->id)) {
+            current->name = name;
+            current->vendorNumber = nilIfBlank(vendorNumber);
+            store.updateAccount(*current);
+        }
+    }
     // The key is in the secret store now; the form does not keep a copy.
     reset();
     Q_EMIT saved();
@@ -385,6 +403,8 @@ void AddAccountViewModel::reset() {
     m_issuerID.clear();
     m_keyID.clear();
     m_vendorNumber.clear();
+    m_reimportFor.reset();
+    Q_EMIT formTitleChanged();
     m_privateKeyPEM.clear();
     m_privateKeyFilename.reset();
     m_keyFilePath.clear();
@@ -398,11 +418,18 @@ void AddAccountViewModel::reset() {
     revalidate();
 }
 
-void AddAccountViewModel::prefill(const QString& name, const QString& issuerID, const QString& keyID,
-                                  const QString& vendorNumber) {
+void AddAccountViewModel::prefill(const QUuid& accountID, const QString& name, const QString& issuerID,
+                                  const QString& keyID, const QString& vendorNumber) {
     reset();
+    m_reimportFor = accountID;
+    Q_EMIT formTitleChanged();
     setName(name);
     setIssuerID(issuerID);
     setKeyID(keyID);
     setVendorNumber(vendorNumber);
+}
+
+QString AddAccountViewModel::formTitle() const {
+    const auto account = m_reimportFor ? m_store.account(*m_reimportFor) : std::nullopt;
+    return account ? u"Private Key für „%1“ erneut importieren"_s.arg(account->name) : u"Neuer Account"_s;
 }

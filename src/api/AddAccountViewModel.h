@@ -16,6 +16,8 @@ class RowListModel;
 // The private key never leaves this object except into the secret store.
 class AddAccountViewModel : public QObject {
     Q_OBJECT
+    // "Neuer Account", or what the form does when it imports the key of a listed account again.
+    Q_PROPERTY(QString formTitle READ formTitle NOTIFY formTitleChanged)
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
     Q_PROPERTY(QString issuerID READ issuerID WRITE setIssuerID NOTIFY issuerIDChanged)
     Q_PROPERTY(QString keyID READ keyID WRITE setKeyID NOTIFY keyIDChanged)
@@ -53,6 +55,7 @@ public:
     QString keyID() const { return m_keyID; }
     void setKeyID(const QString& keyID);
     QString vendorNumber() const { return m_vendorNumber; }
+    QString formTitle() const;
     void setVendorNumber(const QString& vendorNumber);
 
     QString privateKeyFilename() const { return m_privateKeyFilename.value_or(QString()); }
@@ -91,8 +94,9 @@ public:
     Q_INVOKABLE void testConnection();
     Q_INVOKABLE void save();
     Q_INVOKABLE void reset();
-    // Starts over from an account's names, for importing its key again.
-    void prefill(const QString& name, const QString& issuerID, const QString& keyID,
+    // Starts over from a listed account's names, for importing its key again: saving with the same
+    // issuer and key id stores the key of that account instead of adding one.
+    void prefill(const QUuid& accountID, const QString& name, const QString& issuerID, const QString& keyID,
                  const QString& vendorNumber);
 
     QCoro::Task<> testConnectionAsync();
@@ -100,6 +104,7 @@ public:
 
 Q_SIGNALS:
     void nameChanged();
+    void formTitleChanged();
     void issuerIDChanged();
     void keyIDChanged();
     void vendorNumberChanged();
@@ -137,6 +142,7 @@ private:
     QString m_issuerID;
     QString m_keyID;
     QString m_vendorNumber;
+    std::optional<QUuid> m_reimportFor;
     QByteArray m_privateKeyPEM;
     std::optional<QString> m_privateKeyFilename;
     QString m_keyFilePath;

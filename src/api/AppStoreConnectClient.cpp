@@ -210,9 +210,8 @@ QCoro::Task<> AppStoreConnectClient::performUploadOperation(ASCUploadOperation o
             }
         }
     }
-    // A view into `data`, not a copy: the parts of a large video would otherwise be copied one
-    // by one. `data` lives in this frame until the send is over.
-    call.http.body = QByteArray::fromRawData(data.constData() + offset, end - offset);
+    // Shares `data` when the operation covers all of it, as the uploader's parts do.
+    call.http.body = data.mid(offset, end - offset);
     qCDebug(lcClient, "UPLOAD chunk %ld+%ld", long(offset), long(length));
     co_await self->d->storage->send(std::move(call));
 }

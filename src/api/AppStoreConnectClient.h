@@ -64,8 +64,7 @@ public:
     QCoro::Task<> testConnection();
 
     // One chunk of an upload, straight to the storage address Apple named: no token, no
-    // governor, no audit entry, no retry. The body is a view into `data`; when `data` is itself a
-    // view (a mapped file), its memory must stay until the task is over.
+    // governor, no audit entry, no retry.
     QCoro::Task<> performUploadOperation(ASCUploadOperation operation, QByteArray data);
 
     const QString& accountName() const;

@@ -37,21 +37,35 @@ struct ReservationAttributes {
     }
 };
 
+QString changedText() {
+    return u"Die Datei hat sich während des Hochladens verändert; bitte erneut versuchen."_s;
+}
+
 struct FileDigest {
     QString hex;
     // Set when the file could not be read to the end.
     std::optional<QString> error;
 };
 
-// Runs on a worker thread: a pure function of the path, with its own handle on the file.
-FileDigest md5OfFile(const QString& path) {
+// Runs on a worker thread: a pure function of the path, with its own handle on the file. Hashes
+// the `size` bytes that were reserved and sent; a file of another size by now has changed.
+FileDigest md5OfFile(const QString& path, qint64 size) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return FileDigest{{}, file.errorString()};
     }
     QCryptographicHash hash(QCryptographicHash::Md5);
-    if (!hash.addData(&file)) {
-        return FileDigest{{}, file.errorString()};
+    QByteArray chunk(qsizetype(1) << 20, Qt::Uninitialized);
+    for (qint64 left = size; left > 0;) {
+        const qint64 read = file.read(chunk.data(), std::min<qint64>(left, chunk.size()));
+        if (read <= 0) {
+            return FileDigest{{}, file.error() == QFileDevice::NoError ? changedText() : file.errorString()};
+        }
+        hash.addData(QByteArrayView(chunk.constData(), read));
+        left -= read;
+    }
+    if (file.size() != size) {
+        return FileDigest{{}, changedText()};
     }
     return FileDigest{QString::fromLatin1(hash.result().toHex()), std::nullopt};
 }
@@ -224,7 +238,7 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
     }
     std::optional<QFuture<FileDigest>> digest;
     if (kind.checksumAttribute) {
-        digest = QtConcurrent::run(md5OfFile, upload.filePath);
+        digest = QtConcurrent::run(md5OfFile, upload.filePath, size);
     }
 
     const QByteArray body = reservationBody(upload, fileName, size);
@@ -250,8 +264,7 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
         const qint64 length = std::min(operation.length.value_or(size - offset), size - offset);
         QByteArray part(length, Qt::Uninitialized);
         if (!file.seek(offset) || file.read(part.data(), length) != length) {
-            throw VelmoraAPIError::uploadFailed(
-                quoted(fileName) + u" hat sich während des Hochladens verändert; bitte erneut versuchen."_s);
+            throw unreadable(fileName, changedText());
         }
         operation.offset = 0;
         operation.length = length;
@@ -268,6 +281,10 @@ AssetUploader::transfer(std::shared_ptr<AppStoreConnectClient> client, AssetUplo
             throw unreadable(fileName, *result.error);
         }
         checksum = result.hex;
+    }
+    // The hash may have finished before the file grew; what Apple holds must be the whole file.
+    if (file.size() != size) {
+        throw unreadable(fileName, changedText());
     }
     co_return PendingCommit{kind.reservationPath + apiPath({reservation.id}),
                             commitBody(kind, reservation.id, checksum)};

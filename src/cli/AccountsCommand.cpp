@@ -69,8 +69,9 @@ void printAccountLine(const Invocation& call, const Account& account, bool selec
     call.out << u'\n';
 }
 
-// The new account's key and the form's checks; false when something blocks it.
-bool checkNewKey(const Invocation& call, const QByteArray& pem) {
+// The new account's key and the form's checks; false when something blocks it. `rekeyed` is the
+// listed account whose missing key this add imports again.
+bool checkNewKey(const Invocation& call, const QByteArray& pem, bool rekeyed) {
     const QString keyFile = call.args.value(u"key-file"_s);
     const auto findings = KeyImportValidator::findings(call.args.value(u"key-id"_s).trimmed(),
                                                        call.args.value(u"issuer-id"_s).trimmed(), pem,
@@ -89,9 +90,7 @@ bool checkNewKey(const Invocation& call, const QByteArray& pem) {
         return false;
     }
     const QString name = call.args.value(u"name"_s).trimmed();
-    // The same key under its own name again is a new import of that key, not a second account.
-    if (const auto named = findAccount(call.state.accountStore(), name);
-        named && named->keyID != call.args.value(u"key-id"_s).trimmed()) {
+    if (!rekeyed && findAccount(call.state.accountStore(), name)) {
         call.fail(u"Es gibt schon einen Account mit dem Namen „%1“."_s.arg(name));
         return false;
     }
@@ -150,21 +149,30 @@ QCoro::Task<int> AccountsCommand::add(Invocation call) {
         co_return call.fail(u"Datei konnte nicht gelesen werden: "_s + file.errorString());
     }
     const QByteArray pem = file.readAll();
-    if (!checkNewKey(call, pem)) {
-        co_return 1;
-    }
     // Named before they are awaited: g++ 12 destroys temporaries among an awaited call's
     // arguments twice.
     const QString name = call.args.value(u"name"_s).trimmed();
     const QString issuerID = call.args.value(u"issuer-id"_s).trimmed();
     const QString keyID = call.args.value(u"key-id"_s).trimmed();
     const std::optional<QString> vendor = nilIfBlank(call.args.value(u"vendor-number"_s));
+    // The same key under the name of an account whose key went missing imports it again.
+    std::optional<Account> rekeyed = findAccount(store, name);
+    if (rekeyed &&
+        (rekeyed->keyID != keyID || rekeyed->issuerID.compare(issuerID, Qt::CaseInsensitive) != 0 ||
+         !co_await store.checkKeyMissing(*rekeyed))) {
+        rekeyed.reset();
+    }
+    if (!checkNewKey(call, pem, rekeyed.has_value())) {
+        co_return 1;
+    }
     try {
-        const qsizetype before = store.accounts().size();
-        const Account account = co_await store.addAccount(name, issuerID, keyID, pem, vendor);
-        call.out << (store.accounts().size() > before ? u"Account „%1“ gespeichert.\n"_s
-                                                      : u"Private Key von „%1“ erneut gespeichert.\n"_s)
-                        .arg(account.name);
+        if (rekeyed) {
+            co_await store.replaceKey(*rekeyed, pem);
+            call.out << u"Private Key von „%1“ erneut gespeichert.\n"_s.arg(rekeyed->name);
+        } else {
+            const Account account = co_await store.addAccount(name, issuerID, keyID, pem, vendor);
+            call.out << u"Account „%1“ gespeichert.\n"_s.arg(account.name);
+        }
     } catch (const std::exception& error) {
         co_return call.fail(describeError(error));
     }

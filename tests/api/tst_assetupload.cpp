@@ -243,6 +243,33 @@ private Q_SLOTS:
         QCOMPARE(m_progress, QList<double>{1.0 / 3.0});
     }
 
+    // A file changed by another program while its parts go out is never committed.
+    void fileChangedDuringUploadIsNotCommitted_data() {
+        QTest::addColumn<qint64>("newSize");
+        QTest::newRow("shrinks") << qint64(20);
+        QTest::newRow("grows") << qint64(fox.size() + 7);
+    }
+
+    void fileChangedDuringUploadIsNotCommitted() {
+        QFETCH(qint64, newSize);
+        const auto kind = AssetUploadKind::appScreenshot();
+        reserveWith(kind, QJsonArray{part(0, 16), part(16, 16), part(32, 11)});
+        const QString path = m_dir.filePath(u"Fox.png"_s);
+        m_transport->route(
+            "PUT", u"/"_s,
+            [path, newSize](const HttpRequest&) {
+                QFile(path).resize(newSize);
+                return Answer::json(200, {});
+            },
+            RouteMatch::Prefix);
+        QCOMPARE(upload(kind),
+                 std::optional<QString>(u"„Fox.png“ lässt sich nicht lesen: Die Datei hat sich während "
+                                        u"des Hochladens verändert; bitte erneut versuchen."_s));
+        for (const HttpRequest& request : m_transport->requests()) {
+            QVERIFY(request.method != "PATCH");
+        }
+    }
+
     void refusesBeforeReserving_data() {
         QTest::addColumn<AssetUploadKind>("kind");
         QTest::addColumn<QString>("file");

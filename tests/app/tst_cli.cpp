@@ -18,6 +18,27 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// The command line in process, on virtual time, with scripted answers and keys in memory.
+struct InProcess {
+    TestPlatform test;
+    AppState state{test.platform(), AppState::Options{test.settings}};
+    QString out;
+    QString err;
+
+    int run(const QStringList& arguments) {
+        out.clear();
+        err.clear();
+        QTextStream outStream(&out);
+        QTextStream errStream(&err);
+        CommandLine cli(state, outStream, errStream);
+        return VarnisTest::awaitTask(cli.run(arguments));
+    }
+};
+
+} // namespace
+
 // The command line as a build machine runs it: a real process, an account from the
 // environment, a real server on the loopback interface.
 class CliTest : public QObject {
@@ -487,32 +508,56 @@ private Q_SLOTS:
         QCOMPARE(result.out.trimmed(), u"[\n]"_s);
     }
 
-    // In process, on virtual time: a Retry-After of an hour is one German line on stderr, so
-    // that a script's log says why nothing happens; the command still succeeds afterwards.
+    // A Retry-After of an hour is one German line on stderr, so that a script's log says why
+    // nothing happens; the command still succeeds afterwards.
     void aLongWaitIsOneLineOnStderr() {
-        TestPlatform test;
-        test.clock->setAutoAdvance(true);
-        AppState state(test.platform(), AppState::Options{test.settings});
+        InProcess cli;
+        cli.test.clock->setAutoAdvance(true);
         Account account;
         account.id = QUuid::createUuid();
         account.name = u"Umgebung"_s;
         account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
         account.keyID = u"ABCDE12345"_s;
-        state.accountStore().useEphemeralAccount(account, m_key.privateKeyPEM);
-        test.transport->script(
+        cli.state.accountStore().useEphemeralAccount(account, m_key.privateKeyPEM);
+        cli.test.transport->script(
             "GET", u"/v1/apps"_s,
             {FakeTransport::Answer::json(429, "{}"_ba, {{"Retry-After", "1e9"}}),
              FakeTransport::Answer::json(
                  200, R"({"data":[{"type":"apps","id":"7","attributes":{"name":"Nordlicht"}}]})"_ba)});
-        QString out;
-        QString err;
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        QCOMPARE(VarnisTest::awaitTask(cli.run({u"apps"_s})), 0);
-        QVERIFY2(err.startsWith(u"Umgebung: Apple bittet um eine Pause – weiter um "_s), qPrintable(err));
-        QCOMPARE(err.count(u'\n'), 1);
-        QVERIFY(out.contains(u"Nordlicht"_s));
+        QCOMPARE(cli.run({u"apps"_s}), 0);
+        QVERIFY2(cli.err.startsWith(u"Umgebung: Apple bittet um eine Pause – weiter um "_s),
+                 qPrintable(cli.err));
+        QCOMPARE(cli.err.count(u'\n'), 1);
+        QVERIFY(cli.out.contains(u"Nordlicht"_s));
+    }
+
+    // An account whose key went missing says so in the list, refuses the probe, and the same
+    // key added under its name again mends it.
+    void aMissingKeyIsShownAndMended() {
+        InProcess cli;
+        const QStringList add{u"accounts"_s, u"add"_s,         u"--name"_s,
+                              u"Studio"_s,   u"--issuer-id"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                              u"--key-id"_s, u"ABCDE12345"_s,  u"--key-file"_s,
+                              m_keyFile};
+        QCOMPARE(cli.run(add), 0);
+        cli.test.secrets->setContents({});
+
+        QCOMPARE(cli.run({u"accounts"_s, u"list"_s}), 0);
+        QVERIFY2(cli.out.contains(u"[Private Key fehlt]"_s), qPrintable(cli.out));
+        QCOMPARE(cli.run({u"accounts"_s, u"list"_s, u"--json"_s}), 0);
+        QCOMPARE(QJsonDocument::fromJson(cli.out.toUtf8()).array().first()[u"keyMissing"_s],
+                 QJsonValue(true));
+        QCOMPARE(cli.run({u"accounts"_s, u"probe"_s, u"Studio"_s}), 1);
+        QVERIFY2(cli.err.contains(u"fehlt im Schlüsselbund"_s), qPrintable(cli.err));
+        QCOMPARE(cli.test.transport->requestCount(), 0);
+
+        QCOMPARE(cli.run(add), 0);
+        QCOMPARE(cli.out, u"Private Key von „Studio“ erneut gespeichert.\n"_s);
+        QCOMPARE(cli.state.accountStore().accounts().size(), 1);
+        QCOMPARE(cli.run({u"accounts"_s, u"list"_s}), 0);
+        QVERIFY(!cli.out.contains(u"fehlt"_s));
+        // A second add of the same name with its key in place is refused as before.
+        QCOMPARE(cli.run(add), 1);
     }
 };
 

@@ -53,9 +53,6 @@ FakeTransport::~FakeTransport() {
 }
 
 QCoro::Task<HttpResponse> FakeTransport::send(HttpRequest request) {
-    // An upload's body is a view into the sender's mapped file, gone by the time a test reads
-    // the record: keep a copy of the bytes.
-    request.body = QByteArray(request.body.constData(), request.body.size());
     m_requests.append(request);
     QStringList queryNames;
     const auto items = QUrlQuery(request.url).queryItems(QUrl::FullyDecoded);
