@@ -8,3 +8,4 @@ varnis_add_test(NAME tst_stores LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst
 varnis_add_test(NAME tst_viewmodels LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_viewmodels.cpp)
 varnis_add_test(NAME tst_presentation LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_presentation.cpp)
 varnis_add_test(NAME tst_pipeline LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_pipeline.cpp)
+varnis_add_test(NAME tst_download LABEL integration SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_download.cpp)
