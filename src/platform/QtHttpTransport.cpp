@@ -113,11 +113,10 @@ constexpr double answerWindowSeconds = 300;
 // rather than held in memory whole.
 constexpr qsizetype maxErrorBodyBytes = 64 * 1024;
 
-// How much of a download Qt passes on to the reply before it has been written out. Without a
-// limit every piece the network thread reads is queued for the event loop at once, and a body
-// that comes faster than the disk takes it piles up in memory whole. (Qt's network thread keeps
-// reading its socket meanwhile, so this holds memory down as long as the disk keeps pace with
-// the network, which a disk does by far for anything but a loopback connection.)
+// How much of a download Qt passes on to the reply before it has been written out; beyond it
+// Qt's network thread stops reading, so a slow disk or a busy event loop holds the sender back
+// instead of piling the body up in memory. Without a limit every piece read is queued for the
+// event loop at once.
 constexpr qint64 downloadBufferBytes = 1024 * 1024;
 
 // Takes a download's body off the reply as it arrives: a success's into a QSaveFile, which
@@ -256,6 +255,11 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
         request.body.isEmpty() && request.method == "GET"
             ? sharedManager()->get(req)
             : sharedManager()->sendCustomRequest(req, request.method, request.body));
+    if (request.saveTo) {
+        // At once: Qt's network thread starts on the request already and learns of the limit
+        // only when this reaches it; whatever it passes on before that does not count.
+        reply->setReadBufferSize(downloadBufferBytes);
+    }
 
     const double total = request.saveTo ? std::numeric_limits<double>::infinity() : answerWindowSeconds;
     auto watch = std::make_shared<InactivityWatch>(InactivityWatch{
@@ -273,7 +277,6 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     std::unique_ptr<DownloadSink> sink;
     if (request.saveTo) {
         sink = std::make_unique<DownloadSink>(*request.saveTo, reply.get());
-        reply->setReadBufferSize(downloadBufferBytes);
         QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&sink]() { sink->take(); });
     }
 
