@@ -2,6 +2,7 @@
 
 #include "api/AuditLog.h"
 #include "api/AuthenticationService.h"
+#include "api/MediaTypes.h"
 #include "api/PipelineStages.h"
 #include "api/RateLimitGovernor.h"
 #include "api/RequestCoalescer.h"
@@ -30,7 +31,8 @@ std::unique_ptr<RequestPipeline> apiPipeline(const AppStoreConnectClient::Parts&
     return std::make_unique<RequestPipeline>(std::move(stages), parts.transport);
 }
 
-// Storage addresses of uploads take neither token nor budget, and leave no audit entry.
+// Storage addresses of uploads and presigned downloads take neither token nor budget, and leave
+// no audit entry.
 std::unique_ptr<RequestPipeline> storagePipeline(const AppStoreConnectClient::Parts& parts) {
     std::vector<std::unique_ptr<PipelineStage>> stages;
     stages.push_back(std::make_unique<ErrorMappingStage>(ErrorMappingStage::Kind::Storage));
@@ -145,6 +147,9 @@ HttpRequest AppStoreConnectClient::buildRequest(const APIRequest& request) const
     http.method = request.methodText().toLatin1();
     http.url = url;
     http.timeoutSeconds = 60;
+    if (request.accept) {
+        http.accept = *request.accept;
+    }
     if (request.body) {
         http.body = *request.body;
     }
@@ -167,6 +172,32 @@ QCoro::Task<QByteArray> AppStoreConnectClient::execute(APIRequest request) {
     call.request = std::move(request);
     HttpResponse response = co_await self->d->api->send(std::move(call));
     co_return std::move(response.body);
+}
+
+QCoro::Task<SavedFile> AppStoreConnectClient::download(Endpoint<Returns::File> endpoint,
+                                                       DownloadTarget target) {
+    auto self = shared_from_this();
+    PipelineCall call;
+    call.http = self->buildRequest(endpoint.request);
+    call.http.saveTo = target;
+    call.request = std::move(endpoint.request);
+    const HttpResponse response = co_await self->d->api->send(std::move(call));
+    co_return SavedFile{target.path, response.savedBytes.value_or(0)};
+}
+
+QCoro::Task<SavedFile> AppStoreConnectClient::downloadPresigned(QUrl url, DownloadTarget target) {
+    auto self = shared_from_this();
+    const QString scheme = url.scheme().toLower();
+    if (!url.isValid() || (scheme != u"https"_s && scheme != u"http"_s) || url.host().isEmpty()) {
+        throw VelmoraAPIError::unknown(-1);
+    }
+    PipelineCall call;
+    call.request.path = url.path();
+    call.http.url = url;
+    call.http.accept = MediaType::any.toByteArray();
+    call.http.saveTo = target;
+    const HttpResponse response = co_await self->d->storage->send(std::move(call));
+    co_return SavedFile{target.path, response.savedBytes.value_or(0)};
 }
 
 void AppStoreConnectClient::pageListComplete(const QString& path) {

@@ -47,6 +47,7 @@ public:
     // Sends an endpoint's request and decodes its answer as the endpoint's type says. Identical
     // GETs in flight share one network call; every page of a list is fetched in turn.
     template <class A> QCoro::Task<typename A::Value> call(Endpoint<A> endpoint) {
+        static_assert(!std::is_same_v<A, Returns::File>, "a file endpoint names its file: download()");
         auto self = shared_from_this();
         if constexpr (EndpointReturns::isAllPages<A>) {
             co_return co_await self->paged(std::move(endpoint));
@@ -59,6 +60,15 @@ public:
             }
         }
     }
+
+    // Sends a file endpoint's request like every call (token, budget, retries, Apple's errors)
+    // and writes the body of its success into `target.path` as it arrives; the file appears
+    // there only whole. Downloads are never merged: each names its own file.
+    QCoro::Task<SavedFile> download(Endpoint<Returns::File> endpoint, DownloadTarget target);
+
+    // A file from a presigned address Apple handed out (analytics report segments): the address
+    // is its own permission, so no token goes with it, and it costs nothing of the budget.
+    QCoro::Task<SavedFile> downloadPresigned(QUrl url, DownloadTarget target);
 
     // GET /v1/apps with limit 1; raises on failure.
     QCoro::Task<> testConnection();

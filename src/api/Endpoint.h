@@ -8,6 +8,12 @@
 #include <initializer_list>
 #include <optional>
 
+// Where a file endpoint's answer went.
+struct SavedFile {
+    QString path;
+    qint64 bytes = 0;
+};
+
 template <class T> struct PagedResult {
     QList<T> items;
     bool truncated = false;
@@ -16,6 +22,10 @@ template <class T> struct PagedResult {
 // What an endpoint answers, and so how the client decodes it.
 namespace Returns {
 
+// The body written into a file as it arrives (AppStoreConnectClient::download).
+struct File {
+    using Value = SavedFile;
+};
 // No body that matters (204, or a write whose answer nobody reads).
 struct Nothing {
     using Value = void;
@@ -103,6 +113,11 @@ template <class A> struct Endpoint {
 
     Endpoint withPriority(RequestPriority priority) && {
         request.priority = priority;
+        return std::move(*this);
+    }
+    // For endpoints that answer in a type of their own (see MediaTypes.h).
+    Endpoint withAccept(QByteArrayView mediaType) && {
+        request.accept = mediaType.toByteArray();
         return std::move(*this);
     }
 

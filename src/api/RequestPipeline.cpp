@@ -34,5 +34,9 @@ QCoro::Task<HttpResponse> RequestPipeline::transmit(PipelineCall call) const {
     }
     qCDebug(lcPipeline, "%s %s -> %ld", call.http.method.constData(), qPrintable(call.request.path),
             long(response.status));
+    const bool success = response.status >= 200 && response.status <= 299;
+    if (call.http.saveTo && success && !response.savedBytes) {
+        saveBody(*call.http.saveTo, response);
+    }
     co_return response;
 }

@@ -1,5 +1,7 @@
 #include "platform/HttpTransport.h"
 
+#include "platform/AtomicFile.h"
+
 using namespace Qt::StringLiterals;
 
 std::optional<QString> HttpResponse::header(const QByteArray& name) const {
@@ -13,4 +15,19 @@ std::optional<QString> HttpResponse::header(const QByteArray& name) const {
 
 QString TransportError::protocolViolation() {
     return u"Die Antwort des Servers verletzt das HTTP-Protokoll."_s;
+}
+
+QString DownloadFileError::errorDescription() const {
+    return u"Die Datei %1 konnte nicht geschrieben werden: %2"_s.arg(m_path, m_reason);
+}
+
+void saveBody(const DownloadTarget& target, HttpResponse& response) {
+    if (const auto error = AtomicFile::write(target.path, response.body)) {
+        throw DownloadFileError(target.path, *error);
+    }
+    response.savedBytes = response.body.size();
+    if (target.progress && !response.body.isEmpty()) {
+        target.progress(response.body.size(), response.body.size());
+    }
+    response.body.clear();
 }

@@ -4,13 +4,18 @@
 
 #include <QCoreApplication>
 #include <QCoro/QCoroNetworkReply>
+#include <QDir>
+#include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkInformation>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
+#include <QSaveFile>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -74,7 +79,7 @@ bool waitsForConnectivity(QNetworkReply::NetworkError error) {
 }
 
 // Aborts a reply after `timeout` seconds without any transfer progress, or once it has taken
-// `total` seconds in all. Its timer lives no longer
+// `total` seconds in all (a download has no such limit). Its timer lives no longer
 // than the reply (the reply is the timer's context), so a plain pointer to the clock is enough and
 // no cycle runs through the clock's own list of timers.
 struct InactivityWatch {
@@ -83,7 +88,7 @@ struct InactivityWatch {
     double timeout;
     QDateTime lastActivity;
     QDateTime started;
-    double total = 300;
+    double total;
     bool fired = false;
 
     void arm(double seconds, const std::shared_ptr<InactivityWatch>& self) {
@@ -99,6 +104,118 @@ struct InactivityWatch {
             }
         });
     }
+};
+
+// The longest an answer kept in memory may take in all.
+constexpr double answerWindowSeconds = 300;
+
+// Apple's error documents are a few hundred bytes; an error answer longer than this is cut here
+// rather than held in memory whole.
+constexpr qsizetype maxErrorBodyBytes = 64 * 1024;
+
+// How much of a download Qt passes on to the reply before it has been written out; beyond it
+// Qt's network thread stops reading, so a slow disk or a busy event loop holds the sender back
+// instead of piling the body up in memory. Without a limit every piece read is queued for the
+// event loop at once.
+constexpr qint64 downloadBufferBytes = 1024 * 1024;
+
+// Takes a download's body off the reply as it arrives: a success's into a QSaveFile, which
+// appears under its name only on commit(), anything else's start into memory for the error
+// mapping. A fresh one per attempt, so that a retry never appends to an earlier try.
+class DownloadSink {
+public:
+    DownloadSink(const DownloadTarget& target, QNetworkReply* reply) : m_target(target), m_reply(reply) {}
+
+    // Called on readyRead and once more at the end.
+    void take() {
+        if (m_mode == Mode::Undecided) {
+            const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+            if (status < 200 || status > 299) {
+                m_mode = Mode::Memory;
+            } else if (open()) {
+                m_mode = Mode::File;
+            } else {
+                return;
+            }
+        }
+        switch (m_mode) {
+        case Mode::File: {
+            const qint64 before = m_written;
+            while (m_reply->bytesAvailable() > 0) {
+                // Qt hands over the pieces it holds without copying them; the file is
+                // unbuffered, so each goes to the system in one write.
+                const QByteArray chunk = m_reply->readAll();
+                if (m_file->write(chunk) != chunk.size()) {
+                    fail(m_file->errorString());
+                    return;
+                }
+                m_written += chunk.size();
+            }
+            if (m_target.progress && m_written > before) {
+                const QVariant total = m_reply->header(QNetworkRequest::ContentLengthHeader);
+                m_target.progress(m_written, total.isValid() ? total.toLongLong() : -1);
+            }
+            break;
+        }
+        case Mode::Memory:
+            m_errorBody += m_reply->read(maxErrorBodyBytes - m_errorBody.size());
+            m_reply->readAll();
+            break;
+        case Mode::Undecided:
+        case Mode::Failed:
+            break;
+        }
+    }
+
+    // The reply ended as a complete 2xx and take() has had the rest: the file takes its name,
+    // an empty one included.
+    qint64 commit() {
+        if (m_failure) {
+            throw DownloadFileError(m_target.path, *m_failure);
+        }
+        if (!m_file->commit()) {
+            throw DownloadFileError(m_target.path, m_file->errorString());
+        }
+        return m_written;
+    }
+
+    const std::optional<QString>& failure() const { return m_failure; }
+    QByteArray takeErrorBody() { return std::exchange(m_errorBody, {}); }
+
+private:
+    enum class Mode { Undecided, File, Memory, Failed };
+
+    bool open() {
+        const QString dir = QFileInfo(m_target.path).absolutePath();
+        if (!QDir().mkpath(dir)) {
+            fail(u"Ordner %1 konnte nicht angelegt werden."_s.arg(dir));
+            return false;
+        }
+        m_file = std::make_unique<QSaveFile>(m_target.path);
+        if (!m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+            fail(m_file->errorString());
+            return false;
+        }
+        return true;
+    }
+
+    // Gives the transfer up. The abort waits for the next turn of the event loop: aborting
+    // inside the reply's own readyRead would finish the reply, and so the coroutine that owns
+    // it, under the signal's feet.
+    void fail(QString reason) {
+        m_failure = std::move(reason);
+        m_mode = Mode::Failed;
+        m_file.reset(); // drops what was written so far
+        QMetaObject::invokeMethod(m_reply, &QNetworkReply::abort, Qt::QueuedConnection);
+    }
+
+    const DownloadTarget& m_target;
+    QNetworkReply* m_reply;
+    Mode m_mode = Mode::Undecided;
+    std::unique_ptr<QSaveFile> m_file;
+    qint64 m_written = 0;
+    QByteArray m_errorBody;
+    std::optional<QString> m_failure;
 };
 
 } // namespace
@@ -121,7 +238,16 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     QNetworkRequest req(request.url);
     req.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     req.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    req.setRawHeader("Accept", "application/json");
+    req.setRawHeader("Accept", request.accept);
+    if (request.saveTo) {
+        // A download asks for the body as stored. Qt then inflates nothing: its limit on what
+        // it will inflate (setDecompressedSafetyCheckThreshold) cannot cut or refuse a large
+        // file, the file holds the bytes that were sent (reports come gzip-compressed as
+        // files anyway, so compressing them again on the way would only cost time), and the
+        // announced length is the file's length. A server that compresses all the same gets
+        // its bytes written as they came; readers of gzip files know them by their magic bytes.
+        req.setRawHeader("Accept-Encoding", "identity");
+    }
     for (const auto& [name, value] : request.headers) {
         req.setRawHeader(name, value);
     }
@@ -129,20 +255,38 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
         request.body.isEmpty() && request.method == "GET"
             ? sharedManager()->get(req)
             : sharedManager()->sendCustomRequest(req, request.method, request.body));
+    if (request.saveTo) {
+        // At once: Qt's network thread starts on the request already and learns of the limit
+        // only when this reaches it; whatever it passes on before that does not count.
+        reply->setReadBufferSize(downloadBufferBytes);
+    }
 
-    auto watch = std::make_shared<InactivityWatch>(
-        InactivityWatch{m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now(), m_clock->now()});
+    const double total = request.saveTo ? std::numeric_limits<double>::infinity() : answerWindowSeconds;
+    auto watch = std::make_shared<InactivityWatch>(InactivityWatch{
+        m_clock.get(), reply.get(), request.timeoutSeconds, m_clock->now(), m_clock->now(), total});
     auto touch = [watch]() {
         watch->lastActivity = watch->clock->now();
     };
+    // readyRead comes with every piece of a body; Qt sends downloadProgress at most every
+    // 100 ms, and uploadProgress is all there is while a body goes out.
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), touch);
     QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(), touch);
     QObject::connect(reply.get(), &QNetworkReply::uploadProgress, reply.get(), touch);
     watch->arm(request.timeoutSeconds, watch);
+
+    std::unique_ptr<DownloadSink> sink;
+    if (request.saveTo) {
+        sink = std::make_unique<DownloadSink>(*request.saveTo, reply.get());
+        QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&sink]() { sink->take(); });
+    }
 
     co_await qCoro(reply.get()).waitForFinished(std::chrono::milliseconds(-1));
 
     if (watch->fired) {
         throw TransportError(germanDescription(QNetworkReply::TimeoutError));
+    }
+    if (sink && sink->failure()) {
+        throw DownloadFileError(request.saveTo->path, *sink->failure());
     }
     const QVariant statusAttr = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (!statusAttr.isValid()) {
@@ -156,9 +300,11 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
         throw TransportError(germanDescription(error), waitsForConnectivity(error));
     }
     const int status = statusAttr.toInt();
+    const bool success = status >= 200 && status <= 299;
     // A success whose body was cut off, or that Qt refused to inflate, is no success: the
-    // decoder would take a short body for the whole answer. Error answers go up as they are.
-    if (status >= 200 && status <= 299 && reply->error() != QNetworkReply::NoError) {
+    // decoder would take a short body for the whole answer, and a download's file would be
+    // short. Its file goes with the sink. Error answers go up as they are.
+    if (success && reply->error() != QNetworkReply::NoError) {
         throw TransportError(reply->error() == QNetworkReply::UnknownContentError
                                  ? u"Die Antwort des Servers kam beschädigt an."_s
                                  : germanDescription(reply->error()));
@@ -166,6 +312,15 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     HttpResponse response;
     response.status = status;
     response.headers = reply->rawHeaderPairs();
-    response.body = reply->readAll();
+    if (!sink) {
+        response.body = reply->readAll();
+        co_return response;
+    }
+    sink->take();
+    if (success) {
+        response.savedBytes = sink->commit();
+    } else {
+        response.body = sink->takeErrorBody();
+    }
     co_return response;
 }

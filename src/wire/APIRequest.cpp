@@ -41,5 +41,9 @@ QString APIRequest::coalescingKey() const {
     }
     // Plain code-unit order, so that the key does not depend on the user's locale.
     std::sort(items.begin(), items.end());
-    return methodText() + u' ' + path + u'?' + items.join(u'&');
+    QString key = methodText() + u' ' + path + u'?' + items.join(u'&');
+    if (accept) {
+        key += u" Accept: "_s + QString::fromLatin1(*accept);
+    }
+    return key;
 }

@@ -26,6 +26,8 @@ struct APIRequest {
     QList<QueryItem> queryItems;
     std::optional<QByteArray> body;
     QMap<QString, QString> headers;
+    // The media type asked for; absent: JSON.
+    std::optional<QByteArray> accept;
     RequestPriority priority = RequestPriority::Interactive;
 
     static APIRequest get(QString path, QList<QueryItem> query = {});
@@ -34,6 +36,7 @@ struct APIRequest {
     static QString methodText(Method method);
     QString methodText() const { return methodText(method); }
 
-    // Method, path and the sorted query items: identical GETs in flight share one network call.
+    // Method, path, the sorted query items and a media type other than JSON: identical GETs in
+    // flight share one network call.
     QString coalescingKey() const;
 };

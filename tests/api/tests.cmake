@@ -9,3 +9,4 @@ varnis_add_test(NAME tst_viewmodels LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}
 varnis_add_test(NAME tst_presentation LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_presentation.cpp)
 varnis_add_test(NAME tst_pipeline LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_pipeline.cpp)
 varnis_add_test(NAME tst_assetupload LABEL integration SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_assetupload.cpp)
+varnis_add_test(NAME tst_download LABEL integration SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_download.cpp)

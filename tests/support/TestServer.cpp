@@ -189,7 +189,7 @@ void TestServer::releaseHeld() {
     for (;;) {
         Connection* next = nullptr;
         for (const auto& [socket, connection] : m_connections) {
-            if (!connection->closing && !connection->pending.isEmpty() &&
+            if (!connection->closing && !connection->pending.isEmpty() && connection->unsent.isEmpty() &&
                 (!next || connection->pending.first().sequence < next->pending.first().sequence)) {
                 next = connection.get();
             }
@@ -198,6 +198,24 @@ void TestServer::releaseHeld() {
             return;
         }
         answerFirst(*next);
+    }
+}
+
+void TestServer::feed(qsizetype bytes) {
+    for (const auto& [socket, connection] : m_connections) {
+        if (connection->closing || connection->unsent.isEmpty()) {
+            continue;
+        }
+        socket->write(connection->unsent.left(bytes));
+        connection->unsent.remove(0, bytes);
+        if (!connection->unsent.isEmpty()) {
+            continue;
+        }
+        if (connection->closeWhenSent) {
+            close(*connection);
+        } else {
+            pump(*connection);
+        }
     }
 }
 
@@ -323,7 +341,8 @@ TestServer::Parse TestServer::parse(Connection& connection, Request& request, bo
 }
 
 void TestServer::pump(Connection& connection) {
-    while (!connection.closing && !connection.pending.isEmpty() && !connection.pending.first().held) {
+    while (!connection.closing && connection.unsent.isEmpty() && !connection.pending.isEmpty() &&
+           !connection.pending.first().held) {
         answerFirst(connection);
     }
 }
@@ -377,6 +396,13 @@ void TestServer::writeReply(Connection& connection, const Request& request, cons
     }
     out += "\r\n";
     if (!bodyless && request.method != "HEAD") {
+        if (reply.pauseAfter >= 0 && reply.pauseAfter < body.size()) {
+            out += body.left(reply.pauseAfter);
+            connection.unsent = body.mid(reply.pauseAfter);
+            connection.closeWhenSent = close;
+            connection.socket->write(out);
+            return;
+        }
         out += reply.cutAfter >= 0 ? body.left(reply.cutAfter) : body;
     }
     connection.socket->write(out);

@@ -51,6 +51,7 @@ public:
         bool dropConnection = false;  // close the connection instead of answering
         qsizetype cutAfter = -1;      // announce the whole body, send this many bytes of it, close
         ContractCheck::Leeway contract = {};
+        qsizetype pauseAfter = -1;    // send this many bytes of the body, the rest only on feed()
 
         // A reply with "Content-Type: application/json".
         static Reply json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
@@ -85,6 +86,10 @@ public:
     void releaseHeld();
     int heldCount() const;
 
+    // Sends up to `bytes` more of every reply paused by `pauseAfter`; a connection answers its
+    // next request once the paused body is out.
+    void feed(qsizetype bytes);
+
     // Every request received, in order of arrival (held ones included).
     const QList<Request>& requests() const { return m_requests; }
     void clearRequests() { m_requests.clear(); }
@@ -114,6 +119,8 @@ private:
         bool closing = false;
         bool inputDone = false; // after "Connection: close" or garbage, later bytes are ignored
         bool continueSent = false;
+        QByteArray unsent = {}; // the rest of a paused body
+        bool closeWhenSent = false;
     };
     enum class Parse { Incomplete, Complete, Bad };
 

@@ -107,6 +107,9 @@ void TestWire::coalescingKey() {
     request.body = "{}"_ba;
     request.priority = RequestPriority::Background;
     QCOMPARE(request.coalescingKey(), expected);
+    // Another media type is another answer.
+    request.accept = "application/a-gzip"_ba;
+    QVERIFY(request.coalescingKey() != expected);
 }
 
 void TestWire::fieldUpdate_data() {
