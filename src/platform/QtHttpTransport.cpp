@@ -119,6 +119,14 @@ constexpr qsizetype maxErrorBodyBytes = 64 * 1024;
 // event loop at once.
 constexpr qint64 downloadBufferBytes = 1024 * 1024;
 
+// True when the reply announced a length, was not inflated on the way, and fell short of it.
+bool isShortOfAnnounced(const QNetworkReply& reply, qint64 received) {
+    const QVariant announced = reply.header(QNetworkRequest::ContentLengthHeader);
+    const QByteArray encoding = reply.rawHeader("Content-Encoding").trimmed().toLower();
+    const bool inflated = !encoding.isEmpty() && encoding != "identity";
+    return announced.isValid() && !inflated && received < announced.toLongLong();
+}
+
 // Takes a download's body off the reply as it arrives: a success's into a QSaveFile, which
 // appears under its name only on commit(), anything else's start into memory for the error
 // mapping. A fresh one per attempt, so that a retry never appends to an earlier try.
@@ -180,6 +188,7 @@ public:
     }
 
     const std::optional<QString>& failure() const { return m_failure; }
+    qint64 written() const { return m_written; }
     QByteArray takeErrorBody() { return std::exchange(m_errorBody, {}); }
 
 private:
@@ -314,9 +323,18 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     response.headers = reply->rawHeaderPairs();
     if (!sink) {
         response.body = reply->readAll();
+    } else {
+        sink->take();
+    }
+    // Qt does not always notice a connection closed before the announced length (seen on a busy
+    // machine): count the bytes. Only a body that was not inflated can be counted.
+    const qint64 received = sink ? sink->written() : response.body.size();
+    if (success && isShortOfAnnounced(*reply, received)) {
+        throw TransportError(germanDescription(QNetworkReply::RemoteHostClosedError));
+    }
+    if (!sink) {
         co_return response;
     }
-    sink->take();
     if (success) {
         response.savedBytes = sink->commit();
     } else {

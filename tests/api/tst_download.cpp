@@ -191,7 +191,7 @@ private Q_SLOTS:
             message = message.arg(m_dir->filePath(name), m_dir->filePath(u"old.gz/sub"_s));
         }
         const auto error = failureOf(client()->download(salesReport(), target(name)));
-        QCOMPARE(error, std::optional<QString>(message));
+        QVERIFY2(error == std::optional<QString>(message), qPrintable(error.value_or(u"(none)"_s)));
         QCOMPARE(m_server->requests().size(), requests);
         QCOMPARE(contents(m_dir->filePath(u"reports/sales.gz"_s)), "alt"_ba);
         QCOMPARE(filesLeft(), (QStringList{u"old.gz"_s, u"reports/sales.gz"_s}));
