@@ -6,6 +6,7 @@
 #include "support/FakeTransport.h"
 #include "testflight/TestFlightEndpoints.h"
 #include "testflight/TestFlightService.h"
+#include "workspace/MockData.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -640,6 +641,33 @@ private Q_SLOTS:
         QCOMPARE(m_transport->requestCount(), 2);
         for (const auto& request : m_transport->requests()) {
             QCOMPARE(QUrlQuery(request.url).toString(), u"limit=7&sort=-createdDate"_s);
+        }
+    }
+
+    // Demo mode fills every TestFlight screen: the builds a group names exist, each build has its
+    // state, notes and usage, and the expired build says so on the TestFlight side too.
+    void demoDataFitsTogether() {
+        const QDateTime now = m_clock->now();
+        for (const auto& app : MockData::apps()) {
+            QSet<QString> buildIDs;
+            for (const auto& build : MockData::builds(app.id, now)) {
+                buildIDs.insert(build.id);
+                const auto detail = MockData::buildBetaDetail(build.id);
+                QCOMPARE(build.isExpired, detail.internalState() == u"Abgelaufen"_s);
+                QCOMPARE(build.isExpired, !MockData::betaReviewSubmission(build.id).has_value());
+                QCOMPARE(MockData::betaBuildLocalizations(build.id).size(), 2);
+                QVERIFY(MockData::betaUsage(build.id).dataPointCount > 0);
+            }
+            const auto groups = MockData::betaGroups(app.id, now);
+            QVERIFY(!groups.isEmpty());
+            for (const auto& group : groups) {
+                const QSet<QString> inGroup = MockData::betaGroupBuildIDs(group.id);
+                QVERIFY(!inGroup.isEmpty());
+                QVERIFY(buildIDs.contains(inGroup));
+                QVERIFY(!MockData::betaTesters(group.id).isEmpty());
+            }
+            QVERIFY(!MockData::betaAppLocalizations(app.id).isEmpty());
+            QVERIFY(!MockData::betaFeedback(app.id, now).isEmpty());
         }
     }
 
