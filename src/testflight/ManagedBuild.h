@@ -61,13 +61,18 @@ struct ManagedBuild {
     std::optional<ASCImageAsset> iconAsset;
     friend bool operator==(const ManagedBuild&, const ManagedBuild&) = default;
 
+    // What Apple leaves out reads "–": the build number, and the processing state as unknown
+    // with that text.
     static ManagedBuild fromResource(const QString& id, const std::optional<ASCBuildAttributes>& a) {
+        const QString placeholder = QStringLiteral("–");
         ManagedBuild b;
         b.id = id;
+        b.buildNumber = placeholder;
+        b.processingState = ASCProcessingState::fromRaw(placeholder);
         if (!a) {
             return b;
         }
-        b.buildNumber = a->version.value_or(QString());
+        b.buildNumber = a->version.value_or(placeholder);
         b.uploadedDate = a->uploadedDate;
         b.expirationDate = a->expirationDate;
         b.isExpired = a->expired.value_or(false);

@@ -337,6 +337,107 @@ QList<ManagedBetaFeedback> MockData::betaFeedback(const QString& appID, const QD
     return {crash, screenshot};
 }
 
+namespace {
+
+// Which of the three demo builds an id names: 3 for "-b3" (the newest), 2, 1; 3 for an id from
+// elsewhere.
+int demoBuildNumber(const QString& buildID) {
+    for (int n : {2, 1}) {
+        if (buildID.endsWith(u"-b"_s + QString::number(n))) {
+            return n;
+        }
+    }
+    return 3;
+}
+
+} // namespace
+
+QSet<QString> MockData::betaGroupBuildIDs(const QString& groupID) {
+    // The group's app: its id without the group suffix.
+    QString appID = groupID;
+    const bool external = groupID.endsWith(u"-g2"_s);
+    if (external || groupID.endsWith(u"-g1"_s)) {
+        appID.chop(3);
+    }
+    QSet<QString> ids{appID + u"-b3"_s, appID + u"-b2"_s};
+    if (!external) {
+        ids.insert(appID + u"-b1"_s);
+    }
+    return ids;
+}
+
+ManagedBuildBetaDetail MockData::buildBetaDetail(const QString& buildID) {
+    using S = ASCBetaBuildState::Case;
+    auto detail = [](S internal, S external) {
+        return ManagedBuildBetaDetail{ASCBetaBuildState(internal), ASCBetaBuildState(external)};
+    };
+    switch (demoBuildNumber(buildID)) {
+    case 1:
+        return detail(S::Expired, S::Expired);
+    case 2:
+        return detail(S::InBetaTesting, S::InBetaTesting);
+    default:
+        return detail(S::InBetaTesting, S::WaitingForBetaReview);
+    }
+}
+
+QList<ManagedBetaBuildLocalization> MockData::betaBuildLocalizations(const QString& buildID) {
+    return {
+        ManagedBetaBuildLocalization{buildID + u"-bl-de"_s, u"de-DE"_s,
+                                     u"Bitte den neuen Export als PDF testen, vor allem mit großen Einträgen "
+                                     u"und Bildern."_s},
+        ManagedBetaBuildLocalization{buildID + u"-bl-en"_s, u"en-US"_s,
+                                     u"Please try the new PDF export, especially with long entries and "
+                                     u"pictures."_s},
+    };
+}
+
+QList<ManagedBetaAppLocalization> MockData::betaAppLocalizations(const QString& appID) {
+    const QString web = u"https://example.com/"_s + appID;
+    auto localization = [&](QString suffix, QString locale, QString description, QString privacy) {
+        ManagedBetaAppLocalization l;
+        l.localizationID = appID + suffix;
+        l.locale = std::move(locale);
+        l.description = std::move(description);
+        l.feedbackEmail = u"beta@example.com"_s;
+        l.marketingURL = web;
+        l.privacyPolicyURL = web + privacy;
+        return l;
+    };
+    return {
+        localization(u"-bal-de"_s, u"de-DE"_s,
+                     u"Danke fürs Mittesten! Diese Beta bringt den neuen Export und eine "
+                     u"überarbeitete Suche."_s,
+                     u"/datenschutz"_s),
+        localization(u"-bal-en"_s, u"en-US"_s,
+                     u"Thanks for testing! This beta brings the new export and a reworked search."_s,
+                     u"/privacy"_s),
+    };
+}
+
+std::optional<ManagedBetaReviewSubmission> MockData::betaReviewSubmission(const QString& buildID) {
+    switch (demoBuildNumber(buildID)) {
+    case 1:
+        return std::nullopt;
+    case 2:
+        return ManagedBetaReviewSubmission{buildID + u"-brs"_s, u"APPROVED"_s};
+    default:
+        return ManagedBetaReviewSubmission{buildID + u"-brs"_s, u"WAITING_FOR_REVIEW"_s};
+    }
+}
+
+ManagedBetaUsage MockData::betaUsage(const QString& buildID) {
+    const int n = demoBuildNumber(buildID);
+    ManagedBetaUsage usage;
+    usage.dataPointCount = n == 1 ? 30 : 7;
+    usage.totals = {
+        {u"installCount"_s, n == 1 ? 64.0 : 18.0 * n}, {u"sessionCount"_s, n == 1 ? 912.0 : 140.0 * n},
+        {u"crashCount"_s, n == 3 ? 1.0 : 3.0},         {u"inviteCount"_s, n == 1 ? 80.0 : 25.0},
+        {u"feedbackCount"_s, n == 1 ? 9.0 : 2.0},
+    };
+    return usage;
+}
+
 QList<ManagedInAppPurchase> MockData::inAppPurchases(const QString& appID) {
     ManagedInAppPurchase themes;
     themes.id = appID + u"-iap1"_s;

@@ -13,14 +13,22 @@
 #include "reports/ManagedAnalyticsReportRequest.h"
 #include "reviews/ManagedReview.h"
 #include "reviews/ManagedReviewResponse.h"
+#include "testflight/ManagedBetaAppLocalization.h"
+#include "testflight/ManagedBetaBuildLocalization.h"
 #include "testflight/ManagedBetaFeedback.h"
 #include "testflight/ManagedBetaGroup.h"
+#include "testflight/ManagedBetaReviewSubmission.h"
 #include "testflight/ManagedBetaTester.h"
+#include "testflight/ManagedBetaUsage.h"
 #include "testflight/ManagedBuild.h"
+#include "testflight/ManagedBuildBetaDetail.h"
 #include "workspace/ManagedApp.h"
 
 #include <QDateTime>
 #include <QList>
+#include <QSet>
+
+#include <optional>
 
 // Sample data for demo mode: pure functions, fresh values of the same types the services return,
 // so that a screen cannot tell them apart. Nothing here touches the network or a store.
@@ -52,6 +60,18 @@ QList<ManagedBetaGroup> betaGroups(const QString& appID, const QDateTime& now);
 QList<ManagedBetaTester> betaTesters(const QString& groupID);
 // "-fb1" a crash, "-fb2" a screenshot, newest first.
 QList<ManagedBetaFeedback> betaFeedback(const QString& appID, const QDateTime& now);
+// The builds of `builds` in a group: all three in "-g1", the two newest in "-g2".
+QSet<QString> betaGroupBuildIDs(const QString& groupID);
+// "-b3" in internal test and waiting for the beta review, "-b2" in test on both sides, "-b1" expired.
+ManagedBuildBetaDetail buildBetaDetail(const QString& buildID);
+// German and English test notes, sorted by locale; ids end in "-bl-de" and "-bl-en".
+QList<ManagedBetaBuildLocalization> betaBuildLocalizations(const QString& buildID);
+// The app's German and English beta texts, sorted by locale; ids end in "-bal-de" and "-bal-en".
+QList<ManagedBetaAppLocalization> betaAppLocalizations(const QString& appID);
+// "-b3" waits for the beta review, "-b2" passed it, "-b1" was never submitted. Id: build id + "-brs".
+std::optional<ManagedBetaReviewSubmission> betaReviewSubmission(const QString& buildID);
+// A week of use; the expired "-b1" has a month behind it.
+ManagedBetaUsage betaUsage(const QString& buildID);
 QList<ManagedInAppPurchase> inAppPurchases(const QString& appID);
 QList<ManagedSubscription> subscriptions(const QString& groupID);
 QList<ManagedAppEvent> appEvents(const QString& appID);

@@ -52,6 +52,19 @@ const QList<Allowance>& allowlist() {
          .path = u"/v1/appStoreVersions/{id}/appStoreVersionPhasedRelease"_s,
          .name = u"data"_s,
          .reason = u"A version without a phased release answers data: null."_s},
+        // TestFlight feedback came with App Store Connect API 4.0, after the document.
+        {.kind = Kind::Operation,
+         .method = u"GET"_s,
+         .path = u"/v1/apps/{id}/betaFeedbackScreenshotSubmissions"_s,
+         .reason = u"Screenshot feedback of testers: added in API 4.0."_s},
+        {.kind = Kind::Operation,
+         .method = u"GET"_s,
+         .path = u"/v1/apps/{id}/betaFeedbackCrashSubmissions"_s,
+         .reason = u"Crash feedback of testers: added in API 4.0."_s},
+        {.kind = Kind::Operation,
+         .method = u"GET"_s,
+         .path = u"/v1/betaFeedbackCrashSubmissions/{id}/crashLog"_s,
+         .reason = u"The log of a crash feedback: added in API 4.0."_s},
     };
     return entries;
 }
