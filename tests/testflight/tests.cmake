@@ -1,0 +1,1 @@
+varnis_add_test(NAME tst_testerimport LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_testerimport.cpp)
