@@ -1,10 +1,10 @@
 #include "testflight/BetaTesterImportParsing.h"
 
-#include <QSet>
 #include <QVarLengthArray>
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -26,13 +26,26 @@ bool isHeaderWord(QStringView field) {
     return std::find(headerWords.begin(), headerWords.end(), QStringView(lowered)) != headerWords.end();
 }
 
-// Splits one line into trimmed fields without a string per field: a field without quotes is a
-// view into the line; a field whose quotes are dropped is copied into one buffer that the
-// splitter keeps from line to line. The views stay valid until the next call.
+// Splits a line into trimmed fields without a string per field: a field without quotes is a
+// view into the line; a field whose quotes are dropped is copied into a buffer that fills up
+// from line to line until `recycle`. So the fields of several lines can wait together for the
+// duplicate check, and a field stays valid until the next `recycle`.
 class RowSplitter {
 public:
     using Fields = QVarLengthArray<QStringView, 16>;
 
+    // Whether `split` of a line this long can copy its quoted fields without moving the buffer.
+    bool fits(qsizetype lineLength) const { return m_used + lineLength <= m_scratch.size(); }
+
+    // Ends the life of every field handed out so far; only now may the buffer move.
+    void recycle(qsizetype lineLength) {
+        m_used = 0;
+        if (m_scratch.size() < lineLength) {
+            m_scratch.resize(std::max(lineLength, 2 * m_scratch.size()));
+        }
+    }
+
+    // The fields of `line`, which must fit.
     const Fields& split(QStringView line, QChar separator) {
         struct Span {
             qsizetype begin;
@@ -46,7 +59,6 @@ public:
         bool inQuotes = false;
         bool quoted = false;
         qsizetype begin = 0;
-        qsizetype quotedLength = 0;
         for (qsizetype i = 0; i < size; ++i) {
             const char16_t c = data[i];
             if (c == u'"') {
@@ -54,19 +66,13 @@ public:
                 quoted = true;
             } else if (c == sep && !inQuotes) {
                 spans.append({begin, i, quoted});
-                quotedLength += quoted ? i - begin : 0;
                 begin = i + 1;
                 quoted = false;
             }
         }
         spans.append({begin, size, quoted});
-        quotedLength += quoted ? size - begin : 0;
 
-        // Sized before any view into it is taken, so that no view outlives a reallocation.
-        if (m_scratch.size() < quotedLength) {
-            m_scratch.resize(quotedLength);
-        }
-        char16_t* out = reinterpret_cast<char16_t*>(m_scratch.data());
+        char16_t* out = reinterpret_cast<char16_t*>(m_scratch.data()) + m_used;
         m_fields.clear();
         for (const Span& span : spans) {
             if (!span.quoted) {
@@ -81,13 +87,134 @@ public:
             }
             m_fields.append(QStringView(fieldStart, out - fieldStart).trimmed());
         }
+        m_used = out - reinterpret_cast<char16_t*>(m_scratch.data());
         return m_fields;
     }
 
 private:
     Fields m_fields;
-    QString m_scratch;
+    QString m_scratch = QString(4096, Qt::Uninitialized);
+    qsizetype m_used = 0;
 };
+
+// The addresses accepted so far, compared lower-cased. The table holds only the index of each
+// accepted tester and the hash of its lower-cased address: no second string per address, and a
+// duplicate line costs no allocation at all. Addresses are almost always ASCII, which is
+// lower-cased and hashed in place; any other text goes through QString::toLower.
+class SeenAddresses {
+public:
+    explicit SeenAddresses(const QList<ImportedBetaTester>& testers) : m_testers(testers) {}
+
+    // The hash of the lower-cased address.
+    static quint32 hashOf(QStringView address) {
+        for (const QChar c : address) {
+            if (c.unicode() >= 0x80) {
+                return asciiHash(address.toString().toLower());
+            }
+        }
+        return asciiHash(address);
+    }
+
+    // Makes room for `more` addresses, so that the slots of their hashes stay where they are.
+    void reserve(qsizetype more) {
+        while ((m_count + more) * 2 > qsizetype(m_slots.size())) {
+            grow();
+        }
+    }
+
+    // Asks the processor for the slot of `hash` ahead of the lookup. A large table lives in
+    // main memory, and a file of many thousand new addresses would otherwise wait for it once
+    // per address.
+    void prefetch([[maybe_unused]] quint32 hash) const {
+#if defined(__GNUC__)
+        __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
+#endif
+    }
+
+    // Whether an accepted tester has this address already; if not, the tester about to be
+    // appended at `index` is entered under it. Room must have been reserved.
+    bool containsElseInsert(QStringView address, quint32 hash, qsizetype index) {
+        const size_t mask = m_slots.size() - 1;
+        for (size_t i = hash & mask;; i = (i + 1) & mask) {
+            Slot& slot = m_slots[i];
+            if (slot.index < 0) {
+                slot = {hash, qint32(index)};
+                ++m_count;
+                return false;
+            }
+            if (slot.hash == hash && sameLowered(address, m_testers.at(slot.index).email)) {
+                return true;
+            }
+        }
+    }
+
+private:
+    struct Slot {
+        quint32 hash = 0;
+        qint32 index = -1;
+    };
+
+    static char16_t asciiLower(char16_t c) {
+        return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
+    }
+
+    // FNV-1a over the text with ASCII capitals lowered; the same for a text and its lower case.
+    static quint32 asciiHash(QStringView text) {
+        quint64 h = 0xcbf29ce484222325ull;
+        for (const QChar c : text) {
+            h = (h ^ asciiLower(c.unicode())) * 0x100000001b3ull;
+        }
+        return quint32(h ^ (h >> 32));
+    }
+
+    static bool isAscii(QStringView text) {
+        return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+    }
+
+    static bool sameLowered(QStringView a, QStringView b) {
+        if (!isAscii(a) || !isAscii(b)) {
+            return a.toString().toLower() == b.toString().toLower();
+        }
+        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](QChar x, QChar y) {
+                   return asciiLower(x.unicode()) == asciiLower(y.unicode());
+               });
+    }
+
+    void grow() {
+        std::vector<Slot> old(std::max<size_t>(64, m_slots.size() * 2));
+        old.swap(m_slots);
+        const size_t mask = m_slots.size() - 1;
+        for (const Slot& slot : old) {
+            if (slot.index >= 0) {
+                size_t i = slot.hash & mask;
+                while (m_slots[i].index >= 0) {
+                    i = (i + 1) & mask;
+                }
+                m_slots[i] = slot;
+            }
+        }
+    }
+
+    const QList<ImportedBetaTester>& m_testers;
+    std::vector<Slot> m_slots;
+    qsizetype m_count = 0;
+};
+
+// A row with an address, waiting with a few others for the duplicate check: the lookups of a
+// batch are prefetched together, so that their waits for memory overlap. The views point into
+// the text or into the splitter's buffer.
+struct PendingRow {
+    QStringView address;
+    QStringView firstName;
+    QStringView lastName;
+    quint32 hash = 0;
+};
+
+constexpr qsizetype batchSize = 32;
+
+std::optional<QString> nameFrom(QStringView field) {
+    return field.isEmpty() ? std::nullopt : std::optional<QString>(field.toString());
+}
 
 } // namespace
 
@@ -127,6 +254,7 @@ QChar separator(QStringView line) {
 
 QList<QString> splitRow(QStringView line, QChar separator) {
     RowSplitter splitter;
+    splitter.recycle(line.size());
     QList<QString> fields;
     for (const QStringView field : splitter.split(line, separator)) {
         fields.append(field.toString());
@@ -149,7 +277,25 @@ bool isValidAddress(QStringView field) {
 Result parse(QStringView text) {
     Result result;
     RowSplitter splitter;
-    QSet<QString> seen;
+    SeenAddresses seen(result.testers);
+    QVarLengthArray<PendingRow, batchSize> pending;
+
+    // File order holds: rows are checked and appended in the order they were read.
+    const auto settle = [&](qsizetype nextLineLength) {
+        seen.reserve(pending.size());
+        for (const PendingRow& row : pending) {
+            seen.prefetch(row.hash);
+        }
+        for (const PendingRow& row : pending) {
+            if (seen.containsElseInsert(row.address, row.hash, result.testers.size())) {
+                ++result.duplicateCount;
+                continue;
+            }
+            result.testers.append({row.address.toString(), nameFrom(row.firstName), nameFrom(row.lastName)});
+        }
+        pending.clear();
+        splitter.recycle(nextLineLength);
+    };
 
     const char16_t* const data = text.utf16();
     const qsizetype size = text.size();
@@ -171,6 +317,9 @@ Result parse(QStringView text) {
             continue;
         }
 
+        if (!splitter.fits(line.size())) {
+            settle(line.size());
+        }
         const RowSplitter::Fields& fields = splitter.split(line, separator(line));
         const auto address = std::find_if(fields.begin(), fields.end(), isValidAddress);
         if (address == fields.end()) {
@@ -183,30 +332,26 @@ Result parse(QStringView text) {
             continue;
         }
 
-        QString email = address->toString();
-        // For an address without capitals this shares the text instead of copying it.
-        QString key = email.toLower();
-        if (seen.contains(key)) {
-            ++result.duplicateCount;
-            continue;
-        }
-        seen.insert(std::move(key));
-
-        ImportedBetaTester tester;
-        tester.email = std::move(email);
+        // The names are the first two non-empty fields beside the address; further ones are
+        // ignored.
+        PendingRow row{*address, {}, {}, SeenAddresses::hashOf(*address)};
         for (auto field = fields.begin(); field != fields.end(); ++field) {
             if (field == address || field->isEmpty()) {
                 continue;
             }
-            if (!tester.firstName) {
-                tester.firstName = field->toString();
+            if (row.firstName.isEmpty()) {
+                row.firstName = *field;
             } else {
-                tester.lastName = field->toString();
+                row.lastName = *field;
                 break;
             }
         }
-        result.testers.append(std::move(tester));
+        pending.append(row);
+        if (pending.size() == batchSize) {
+            settle(0);
+        }
     }
+    settle(0);
     return result;
 }
 

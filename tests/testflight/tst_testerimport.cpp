@@ -140,10 +140,23 @@ void TesterImportTest::parse_data() {
         << QStringList{u"Anna@Example.COM|Anna"_s} << none << 2;
     QTest::newRow("duplicates beyond ASCII")
         << u"JÖRG@x.de\njörg@x.de;Jörg"_s << QStringList{u"JÖRG@x.de"_s} << none << 1;
+    // The Kelvin sign lower-cases to an ASCII "k": the same address as its plain spelling.
+    QTest::newRow("duplicates where lower case leaves ASCII")
+        << u"\u212Aai@x.de\nkai@x.de"_s << QStringList{u"\u212Aai@x.de"_s} << none << 1;
     QTest::newRow("a rejected line is no duplicate")
         << u"kein Eintrag\nkein Eintrag"_s << none << QStringList{u"1:kein Eintrag"_s, u"2:kein Eintrag"_s}
         << 0;
 
+    // Quoted names are copied while their rows wait for the duplicate check; many long ones, and
+    // one longer than any buffer so far, must all survive to the end.
+    QString quotedText;
+    QStringList quotedTesters;
+    for (int i = 0; i < 60; ++i) {
+        const QString name = u"Name%1 "_s.arg(i) + QString(i == 45 ? 20000 : 300, u'x');
+        quotedText += u"\"%1\";p%2@x.de\n"_s.arg(name).arg(i);
+        quotedTesters.append(u"p%1@x.de|%2"_s.arg(i).arg(name));
+    }
+    QTest::newRow("many long quoted names") << quotedText << quotedTesters << none << 0;
     QTest::newRow("no at sign") << u"anna.x.de"_s << none << QStringList{u"1:anna.x.de"_s} << 0;
     QTest::newRow("nothing ahead of the at sign") << u"@x.de"_s << none << QStringList{u"1:@x.de"_s} << 0;
     QTest::newRow("no dot behind the at sign")
@@ -196,6 +209,8 @@ void TesterImportTest::splitRow_data() {
     QTest::newRow("quotes mid-field") << u"x\"y,z\"w,v"_s << u","_s << QStringList{u"xy,zw"_s, u"v"_s};
     QTest::newRow("blanks around quotes") << u"  \"a\"  ,\t\"\"  "_s << u","_s << QStringList{u"a"_s, u""_s};
     QTest::newRow("quoted blanks are trimmed too") << u"\" a \""_s << u","_s << QStringList{u"a"_s};
+    QTest::newRow("long quoted field")
+        << u"\"%1\";b"_s.arg(QString(9000, u'x')) << u";"_s << QStringList{QString(9000, u'x'), u"b"_s};
     QTest::newRow("tab") << u"a\tb c\t"_s << u"\t"_s << QStringList{u"a"_s, u"b c"_s, u""_s};
 }
 
