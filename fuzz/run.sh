@@ -25,7 +25,7 @@ cmake --build "$BUILD_DIR" -j "$JOBS" --target fuzz_targets
 root=$(pwd)
 work="$root/$BUILD_DIR/fuzz/work"
 failed=()
-while read -r name max_len _; do
+while read -r name max_len dict _; do
     case "$name" in '' | '#'*) continue ;; esac
     if [ -n "${FUZZ_TARGETS:-}" ] && [[ " $FUZZ_TARGETS " != *" $name "* ]]; then
         continue
@@ -42,6 +42,9 @@ while read -r name max_len _; do
         limit=(-runs="$FUZZ_RUNS")
     else
         limit=(-max_total_time="$FUZZ_SECONDS")
+    fi
+    if [ -n "${dict:-}" ]; then
+        limit+=(-dict="$root/fuzz/$dict")
     fi
     log="$work/$name.log"
     echo "== fuzz_$name (${limit[*]}, -max_len=$max_len)"
