@@ -10,7 +10,10 @@
 
 namespace {
 
-void checkPrintable(const QString& text) {
+// What a failed operation shows; blank would look like no failure at all.
+void checkShown(const QString& text) {
+    Fuzz::check(!text.trimmed().isEmpty(), "an error without words");
+
     const bool clean = std::none_of(text.cbegin(), text.cend(), [](QChar c) {
         return c.category() == QChar::Other_Control && c != u'\n' && c != u'\t';
     });
@@ -31,10 +34,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         (void)e.code;
     }
     const VelmoraAPIError http = VelmoraAPIError::http(size % 600, std::nullopt, errors);
-    checkPrintable(http.errorDescription());
-    checkPrintable(describeError(http));
-    checkPrintable(QString::fromUtf8(http.what()));
+    checkShown(http.errorDescription());
+    checkShown(describeError(http));
+    checkShown(QString::fromUtf8(http.what()));
     const VelmoraAPIError forbidden = VelmoraAPIError::forbidden(errors);
-    checkPrintable(forbidden.errorDescription());
+    checkShown(forbidden.errorDescription());
     return 0;
 }

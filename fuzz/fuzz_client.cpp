@@ -123,7 +123,7 @@ void run(AppStoreConnectClient& client, Endpoint<A> endpoint, ScriptedTransport&
         }
     } catch (const VelmoraAPIError& error) {
         const QString text = error.errorDescription();
-        Fuzz::check(!text.isEmpty(), "an error without words");
+        Fuzz::check(!text.trimmed().isEmpty(), "an error without words");
     } catch (const VarnisTest::TaskTimedOut&) {
         Fuzz::fail("a call never ends");
     }
