@@ -13,7 +13,7 @@ endif
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 PREFIX ?= /usr/local
 
-.PHONY: all deps configure build run test bench install clean format
+.PHONY: all deps configure build run test bench install clean format fuzz
 
 all: build
 
@@ -37,11 +37,15 @@ test: build
 bench: build
 	@for b in $(BUILD_DIR)/bench/bench_*; do [ -x "$$b" ] && "$$b"; done
 
+# libFuzzer targets, built with clang in build-fuzz; never part of `make test` or CI.
+fuzz:
+	@JOBS=$(JOBS) bash fuzz/run.sh
+
 install: build
 	cmake --install $(BUILD_DIR)
 
 format:
-	clang-format -i $$(git ls-files 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' 'bench/*.h')
+	clang-format -i $$(git ls-files 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' 'bench/*.h' 'fuzz/*.cpp' 'fuzz/*.h')
 
 clean:
-	rm -rf build build-sanitize
+	rm -rf build build-sanitize build-fuzz

@@ -1,5 +1,7 @@
 #include "wire/VelmoraAPIError.h"
 
+#include "wire/JsonReader.h"
+
 using namespace Qt::StringLiterals;
 
 VelmoraAPIError VelmoraAPIError::network(QString underlying) {
@@ -72,12 +74,13 @@ QString VelmoraAPIError::description() const {
     case Kind::Decoding:
         return u"Die Antwort von App Store Connect konnte nicht gelesen werden."_s;
     case Kind::Http:
+        // A blank text of Apple's would leave the user with an empty message: it counts as absent.
         if (!m_apple.isEmpty()) {
-            if (m_apple.first().detail) {
-                return *m_apple.first().detail;
+            if (const auto detail = nilIfBlank(m_apple.first().detail)) {
+                return *detail;
             }
-            if (m_apple.first().title) {
-                return *m_apple.first().title;
+            if (const auto title = nilIfBlank(m_apple.first().title)) {
+                return *title;
             }
         }
         return u"App Store Connect meldete Fehler %1."_s.arg(m_status);
@@ -89,8 +92,8 @@ QString VelmoraAPIError::description() const {
                "interaktive Anfragen weiter durchkommen."_s.arg(m_remaining)
                    .arg(m_limit);
     case Kind::Forbidden:
-        if (!m_apple.isEmpty() && m_apple.first().detail) {
-            return *m_apple.first().detail;
+        if (const auto detail = m_apple.isEmpty() ? std::nullopt : nilIfBlank(m_apple.first().detail)) {
+            return *detail;
         }
         return u"Der API-Schlüssel hat keine Berechtigung für diese Aktion. Manche Bereiche (z. B. "
                u"Analytics) "

@@ -225,8 +225,14 @@ void TestWire::errorDescription_data() {
                                      << u"App Store Connect meldete Fehler 500."_s;
     QTest::newRow("http bare object")
         << u"http"_s << 422 << QString() << QString() << u"App Store Connect meldete Fehler 422."_s;
+    QTest::newRow("http blank detail gives the title")
+        << u"http"_s << 409 << u"Konflikt"_s << u""_s << u"Konflikt"_s;
+    QTest::newRow("http blank texts")
+        << u"http"_s << 500 << u" "_s << u"\n\t"_s << u"App Store Connect meldete Fehler 500."_s;
+    QTest::newRow("http detail trimmed") << u"http"_s << 409 << QString() << u" D\n"_s << u"D"_s;
     QTest::newRow("forbidden detail") << u"forbidden"_s << 403 << u"T"_s << u"D"_s << u"D"_s;
     QTest::newRow("forbidden ignores title") << u"forbidden"_s << 403 << u"T"_s << QString() << forbidden;
+    QTest::newRow("forbidden blank detail") << u"forbidden"_s << 403 << u"T"_s << u"  "_s << forbidden;
     QTest::newRow("forbidden empty") << u"forbidden-empty"_s << 403 << QString() << QString() << forbidden;
     QTest::newRow("budget") << u"budget"_s << 539 << QString() << QString()
                             << u"Apples Stundenbudget ist fast aufgebraucht (539 von 3600 übrig). "
