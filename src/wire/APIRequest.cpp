@@ -1,5 +1,7 @@
 #include "wire/APIRequest.h"
 
+#include <QUrl>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -37,7 +39,9 @@ QString APIRequest::coalescingKey() const {
     QStringList items;
     items.reserve(queryItems.size());
     for (const auto& item : queryItems) {
-        items.append(item.name + u'=' + item.value.value_or(QString()));
+        // Encoded, so that a value holding "&" or "=" cannot pass for two other items.
+        items.append(QString::fromLatin1(QUrl::toPercentEncoding(item.name) + '=' +
+                                         QUrl::toPercentEncoding(item.value.value_or(QString()))));
     }
     // Plain code-unit order, so that the key does not depend on the user's locale.
     std::sort(items.begin(), items.end());

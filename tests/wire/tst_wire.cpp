@@ -95,6 +95,8 @@ void TestWire::coalescingKey_data() {
     QTest::newRow("no value") << QStringList{u"x"_s, u"a=1"_s} << u"GET /v1/apps?a=1&x="_s;
     QTest::newRow("empty value") << QStringList{u"x="_s} << u"GET /v1/apps?x="_s;
     QTest::newRow("no items") << QStringList{} << u"GET /v1/apps?"_s;
+    // Not the same key as the two items v=1 and b=2.
+    QTest::newRow("a value holding & and =") << QStringList{u"v=1&b=2"_s} << u"GET /v1/apps?v=1%26b%3D2"_s;
 }
 
 void TestWire::coalescingKey() {
