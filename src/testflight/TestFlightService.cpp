@@ -63,6 +63,26 @@ QCoro::Task<> detailWorker(std::shared_ptr<DetailRun> run) {
     }
 }
 
+// A page of beta texts as values, by language.
+template <class Managed, class Page> QList<Managed> byLocale(const Page& page) {
+    QList<Managed> list;
+    for (const auto& resource : page.data) {
+        list.append(Managed::fromResource(resource.id, resource.attributes));
+    }
+    Managed::sortByLocale(list);
+    return list;
+}
+
+// The saved beta text as Apple returned it. Apple echoes the language; should an answer lack
+// it, it is still the one that was saved.
+template <class Managed, class Resource> Managed savedText(const Resource& saved, const QString& locale) {
+    Managed result = Managed::fromResource(saved.id, saved.attributes);
+    if (result.locale.isEmpty()) {
+        result.locale = locale;
+    }
+    return result;
+}
+
 } // namespace
 
 TestFlightService::TestFlightService(std::shared_ptr<Clock> clock)
@@ -174,12 +194,7 @@ QCoro::Task<QList<ManagedBetaBuildLocalization>>
 TestFlightService::buildLocalizations(QString buildID, std::shared_ptr<AppStoreConnectClient> client) {
     auto endpoint = TestFlightEndpoints::localizationsOfBuild(buildID, localizationLimit);
     const auto page = co_await client->call(std::move(endpoint));
-    QList<ManagedBetaBuildLocalization> list;
-    for (const auto& resource : page.data) {
-        list.append(ManagedBetaBuildLocalization::fromResource(resource.id, resource.attributes));
-    }
-    ManagedBetaBuildLocalization::sortByLocale(list);
-    co_return list;
+    co_return byLocale<ManagedBetaBuildLocalization>(page);
 }
 
 QCoro::Task<ManagedBetaBuildLocalization>
@@ -197,25 +212,14 @@ TestFlightService::saveBuildLocalization(ManagedBetaBuildLocalization localizati
         auto endpoint = TestFlightEndpoints::createBuildLocalization(body);
         saved = co_await client->call(std::move(endpoint));
     }
-    ManagedBetaBuildLocalization result =
-        ManagedBetaBuildLocalization::fromResource(saved.id, saved.attributes);
-    // Apple echoes the language; should an answer lack it, it is still the one that was saved.
-    if (result.locale.isEmpty()) {
-        result.locale = localization.locale;
-    }
-    co_return result;
+    co_return savedText<ManagedBetaBuildLocalization>(saved, localization.locale);
 }
 
 QCoro::Task<QList<ManagedBetaAppLocalization>>
 TestFlightService::appLocalizations(QString appID, std::shared_ptr<AppStoreConnectClient> client) {
     auto endpoint = TestFlightEndpoints::localizationsOfApp(appID, localizationLimit);
     const auto page = co_await client->call(std::move(endpoint));
-    QList<ManagedBetaAppLocalization> list;
-    for (const auto& resource : page.data) {
-        list.append(ManagedBetaAppLocalization::fromResource(resource.id, resource.attributes));
-    }
-    ManagedBetaAppLocalization::sortByLocale(list);
-    co_return list;
+    co_return byLocale<ManagedBetaAppLocalization>(page);
 }
 
 QCoro::Task<ManagedBetaAppLocalization>
@@ -231,11 +235,7 @@ TestFlightService::saveAppLocalization(ManagedBetaAppLocalization localization, 
         auto endpoint = TestFlightEndpoints::createAppLocalization(body);
         saved = co_await client->call(std::move(endpoint));
     }
-    ManagedBetaAppLocalization result = ManagedBetaAppLocalization::fromResource(saved.id, saved.attributes);
-    if (result.locale.isEmpty()) {
-        result.locale = localization.locale;
-    }
-    co_return result;
+    co_return savedText<ManagedBetaAppLocalization>(saved, localization.locale);
 }
 
 QCoro::Task<std::optional<ManagedBetaReviewSubmission>>
