@@ -10,7 +10,9 @@
 #include "metadata/LocalizationsService.h"
 #include "metadata/MetadataDraftStore.h"
 #include "platform/Clock.h"
+#include "release/BuildsService.h"
 #include "release/VersionsService.h"
+#include "testflight/TestFlightService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
 #include "workspace/MockData.h"
@@ -55,6 +57,9 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_versionsService = std::make_unique<VersionsService>(
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
     m_localizationsService = std::make_unique<LocalizationsService>(m_platform.clock);
+    m_buildsService = std::make_unique<BuildsService>(
+        std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
+    m_testFlightService = std::make_unique<TestFlightService>(m_platform.clock);
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(

@@ -18,6 +18,8 @@ class AppsService;
 class QSettings;
 class TaskCenter;
 class VersionsService;
+class BuildsService;
+class TestFlightService;
 class LocalizationsService;
 class MetadataDraftStore;
 struct Account;
@@ -42,6 +44,8 @@ public:
     TaskCenter& taskCenter() const { return *m_taskCenter; }
     VersionsService& versionsService() const { return *m_versionsService; }
     LocalizationsService& localizationsService() const { return *m_localizationsService; }
+    BuildsService& buildsService() const { return *m_buildsService; }
+    TestFlightService& testFlightService() const { return *m_testFlightService; }
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
 
     // Published state.
@@ -116,6 +120,8 @@ private:
     std::unique_ptr<TaskCenter> m_taskCenter;
     std::unique_ptr<VersionsService> m_versionsService;
     std::unique_ptr<LocalizationsService> m_localizationsService;
+    std::unique_ptr<BuildsService> m_buildsService;
+    std::unique_ptr<TestFlightService> m_testFlightService;
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
     std::unique_ptr<AccountStore> m_accountStore;
 
