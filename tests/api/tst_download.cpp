@@ -173,6 +173,9 @@ private Q_SLOTS:
             << QList<Reply>{Reply{200, {}, "abc"_ba}} << u"old.gz/sub/sales.gz"_s
             << u"Die Datei %1 konnte nicht geschrieben werden: Ordner %2 konnte nicht angelegt werden."_s
             << 1;
+        QTest::newRow("a folder where the file should go")
+            << QList<Reply>{Reply{200, {}, pattern(3 * 1024 * 1024)}} << u"reports"_s
+            << u"Die Datei %1 konnte nicht geschrieben werden: Dort liegt ein Ordner, keine Datei."_s << 1;
     }
 
     void failuresLeaveNoFile() {
