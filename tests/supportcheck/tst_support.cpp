@@ -392,10 +392,6 @@ private Q_SLOTS:
             << u"PATCH"_s << u"/v1/appStoreVersions/x"_s
             << update("appStoreVersions", R"("copyrigth":"2025")") << QByteArray("{}") << QStringList()
             << u"data.attributes.copyrigth: not declared"_s;
-        QTest::newRow("misspelt attribute in a fixture")
-            << u"GET"_s << u"/v1/apps"_s << QByteArray()
-            << list(R"({"type":"apps","id":"1","attributes":{"nmae":"Kladde"}})") << QStringList()
-            << u"data[0].attributes.nmae: not declared for apps"_s;
         const QByteArray unknownState =
             list(R"({"type":"appStoreVersions","id":"v","attributes":{"appStoreState":"NEXT_STATE"}})");
         QTest::newRow("unknown value in a fixture")
