@@ -4,6 +4,7 @@
 #include "api/AuthenticationService.h"
 #include "api/MediaTypes.h"
 #include "api/RateLimitGovernor.h"
+#include "fixtures/TestClient.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
@@ -71,13 +72,7 @@ class DownloadTest : public QObject {
     QList<QPair<qint64, qint64>> m_progress;
 
     std::shared_ptr<AppStoreConnectClient> client() {
-        AppStoreConnectClient::Parts parts;
-        parts.clock = m_clock;
-        parts.transport = m_transport;
-        parts.apiRoot = m_server->baseUrl();
-        parts.auth =
-            std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM);
-        parts.accountName = u"Studio"_s;
+        auto parts = clientParts(m_clock, m_transport, m_key.privateKeyPEM, m_server->baseUrl());
         parts.governor = m_governor;
         return AppStoreConnectClient::create(std::move(parts));
     }
