@@ -33,9 +33,19 @@ const QString missingApp = u"Es fehlt die App (ein Teil ihres Namens oder ihre I
 struct Target {
     int status = 0;
     ManagedApp app;
+    Account account;
     std::shared_ptr<AppStoreConnectClient> client;
     ManagedBetaGroup group;
 };
+
+// The write gate for the account the app belongs to, which with "Apps aller Accounts" need not
+// be the selected one.
+std::optional<QString> writeRefusal(const Invocation& call, const Target& target) {
+    if (target.account.isReadOnly) {
+        return WriteGate::readOnlyMessage();
+    }
+    return call.state.writeBlockedReason();
+}
 
 QJsonObject named(const QString& id, const QString& name) {
     return QJsonObject{{u"id"_s, id}, {u"name"_s, name}};
@@ -83,6 +93,7 @@ QCoro::Task<Target> findTarget(Invocation call, qsizetype count, QString command
         target.status = call.fail(WriteGate::noAccountMessage());
         co_return target;
     }
+    target.account = *account;
     try {
         target.client = co_await call.state.accountStore().makeClient(*account);
     } catch (const std::exception& error) {
@@ -371,7 +382,7 @@ QCoro::Task<int> TestFlightCommand::import(Invocation call) {
         }
         co_return 0;
     }
-    if (auto reason = call.state.writeBlockedReason()) {
+    if (auto reason = writeRefusal(call, target)) {
         co_return call.fail(*reason);
     }
     const Handover handover = co_await sendTesters(call, target, result);
@@ -451,7 +462,7 @@ QCoro::Task<int> TestFlightCommand::notes(Invocation call) {
         call.out << u"Nichts gesendet. Mit --yes wird der Text an App Store Connect geschickt.\n"_s;
         co_return 0;
     }
-    if (auto reason = call.state.writeBlockedReason()) {
+    if (auto reason = writeRefusal(call, target)) {
         co_return call.fail(*reason);
     }
     ManagedBetaBuildLocalization edited =
