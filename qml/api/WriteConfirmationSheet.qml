@@ -17,6 +17,9 @@ Dialog {
     visible: model.isPresented
     closePolicy: Popup.CloseOnEscape
     onRejected: model.cancel()
+    // Closed before the write is handed on: a dialog that its loader drops while still shown
+    // takes its layouts down mid-way and crashes.
+    onAccepted: model.confirm()
 
     header: RowLayout {
         spacing: 8
@@ -77,7 +80,7 @@ Dialog {
             objectName: "confirmWriteButton"
             text: sheet.model.confirmLabel
             highlighted: true
-            onClicked: sheet.model.confirm()
+            onClicked: sheet.accept()
         }
     }
 }

@@ -13,6 +13,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BulkActionsViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -124,5 +125,12 @@ struct BackgroundSettingsViewModelForeign {
     Q_GADGET
     QML_FOREIGN(BackgroundSettingsViewModel)
     QML_NAMED_ELEMENT(BackgroundSettingsViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BulkActionsViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BulkActionsViewModel)
+    QML_NAMED_ELEMENT(BulkActionsViewModel)
     QML_UNCREATABLE("made by the application")
 };

@@ -8,10 +8,8 @@
 #include "wire/FieldUpdate.h"
 #include "workspace/AppState.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QStringDecoder>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
@@ -199,22 +197,6 @@ void printFindings(const Invocation& call, const ManagedLocalization& l,
     }
 }
 
-// A value given as FELD=@datei comes from a UTF-8 file; the error text when it cannot.
-std::optional<QString> readValueFile(const QString& path, QString& error) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = u"Die Datei „%1“ lässt sich nicht lesen: %2"_s.arg(path, file.errorString());
-        return std::nullopt;
-    }
-    auto decoder = QStringDecoder(QStringDecoder::Utf8);
-    QString text = decoder(file.readAll());
-    if (decoder.hasError()) {
-        error = u"Die Datei „%1“ ist kein UTF-8-Text."_s.arg(path);
-        return std::nullopt;
-    }
-    return text;
-}
-
 // The FELD=WERT pairs after the app, checked before anything is loaded; the exit status when one
 // is wrong.
 std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
@@ -228,7 +210,7 @@ std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
         QString value = pair.mid(eq + 1);
         if (value.startsWith(u'@')) {
             QString error;
-            const auto fromFile = readValueFile(value.mid(1), error);
+            const auto fromFile = readUtf8File(value.mid(1), error);
             if (!fromFile) {
                 call.err << error << u'\n';
                 return 2;
