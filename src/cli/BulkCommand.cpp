@@ -35,12 +35,11 @@ QCoro::Task<std::variant<QList<ManagedApp>, int>> chosenApps(Invocation call) {
         if (query.isEmpty()) {
             continue;
         }
-        const auto app = co_await AppsCommand::findApp(call.state, query);
-        if (!app) {
-            co_return call.fail(
-                call.state.appsError().value_or(u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query)));
+        const auto app = co_await AppsCommand::findNamedApp(call, query);
+        if (const int* status = std::get_if<int>(&app)) {
+            co_return *status;
         }
-        apps.append(*app);
+        apps.append(std::get<ManagedApp>(app));
     }
     co_return apps;
 }
@@ -72,12 +71,11 @@ QCoro::Task<int> BulkCommand::whatsNew(Invocation call) {
     if (call.args.isSet(allFlag) == call.args.values.contains(appsOption)) {
         co_return call.usage(u"Es braucht entweder --apps oder --all."_s);
     }
-    const QString locale = call.args.value(u"locale"_s).trimmed();
-    if (!AppStoreLocales::looksValid(locale)) {
-        call.err << u"„"_s << locale
-                 << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
-        co_return 2;
+    const auto chosenLocale = localeValue(call, u"locale"_s);
+    if (const int* status = std::get_if<int>(&chosenLocale)) {
+        co_return *status;
     }
+    const QString locale = std::get<QString>(chosenLocale);
     const auto given = textOrFile(call, u"text"_s);
     if (const int* status = std::get_if<int>(&given)) {
         co_return *status;

@@ -1,5 +1,7 @@
 #include "cli/Command.h"
 
+#include "metadata/AppStoreLocales.h"
+
 #include "cli/AccountsCommand.h"
 #include "cli/AppsCommand.h"
 #include "cli/AuditLogCommand.h"
@@ -102,5 +104,15 @@ std::variant<QString, int> textOrFile(const Invocation& call, const QString& opt
         return *text;
     }
     call.err << error << u'\n';
+    return 2;
+}
+
+std::variant<QString, int> localeValue(const Invocation& call, const QString& option, bool mayBeEmpty) {
+    const QString locale = call.args.value(option).trimmed();
+    if ((mayBeEmpty && locale.isEmpty()) || AppStoreLocales::looksValid(locale)) {
+        return locale;
+    }
+    call.err << u"„"_s << locale
+             << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
     return 2;
 }

@@ -45,13 +45,11 @@ QString chosenLocale(const Invocation& call) {
 
 // A malformed language code is a usage error, told without the usage.
 std::optional<int> checkLocale(const Invocation& call) {
-    const QString locale = chosenLocale(call);
-    if (locale.isEmpty() || AppStoreLocales::looksValid(locale)) {
-        return std::nullopt;
+    const auto locale = localeValue(call, localeOption, true);
+    if (const int* status = std::get_if<int>(&locale)) {
+        return *status;
     }
-    call.err << u"„"_s << locale
-             << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
-    return 2;
+    return std::nullopt;
 }
 
 // The one app a show or a check names, and its language.
@@ -75,14 +73,13 @@ QCoro::Task<Loaded> load(Invocation call) {
         co_return loaded;
     }
     const QString query = call.args.positional.first();
-    const auto app = co_await AppsCommand::findApp(call.state, query);
-    if (!app) {
-        loaded.status = call.fail(
-            call.state.appsError().value_or(u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query)));
+    const auto app = co_await AppsCommand::findNamedApp(call, query);
+    if (const int* status = std::get_if<int>(&app)) {
+        loaded.status = *status;
         co_return loaded;
     }
-    loaded.app = *app;
-    loaded.model = std::make_unique<MetadataViewModel>(call.state, *app);
+    loaded.app = std::get<ManagedApp>(app);
+    loaded.model = std::make_unique<MetadataViewModel>(call.state, std::get<ManagedApp>(app));
     co_await loaded.model->load(false);
     if (loaded.model->loadError()) {
         loaded.status = call.fail(*loaded.model->loadError());

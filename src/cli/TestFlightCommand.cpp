@@ -81,14 +81,13 @@ QCoro::Task<Target> findTarget(Invocation call, qsizetype count, QString command
         co_return target;
     }
     const QString query = call.args.positional.first();
-    const auto app = co_await AppsCommand::findApp(call.state, query);
-    if (!app) {
-        target.status = call.fail(
-            call.state.appsError().value_or(u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query)));
+    const auto app = co_await AppsCommand::findNamedApp(call, query);
+    if (const int* status = std::get_if<int>(&app)) {
+        target.status = *status;
         co_return target;
     }
-    target.app = *app;
-    const auto account = accountOf(call.state, *app);
+    target.app = std::get<ManagedApp>(app);
+    const auto account = accountOf(call.state, target.app);
     if (!account) {
         target.status = call.fail(WriteGate::noAccountMessage());
         co_return target;
@@ -409,12 +408,11 @@ void TestFlightCommand::declareNotes(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> TestFlightCommand::notes(Invocation call) {
-    const QString locale = call.args.value(u"locale"_s).trimmed();
-    if (!AppStoreLocales::looksValid(locale)) {
-        call.err << u"„"_s << locale
-                 << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
-        co_return 2;
+    const auto chosenLocale = localeValue(call, u"locale"_s);
+    if (const int* status = std::get_if<int>(&chosenLocale)) {
+        co_return *status;
     }
+    const QString locale = std::get<QString>(chosenLocale);
     const auto given = textOrFile(call, u"text"_s);
     if (const int* status = std::get_if<int>(&given)) {
         co_return *status;
