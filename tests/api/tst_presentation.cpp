@@ -8,6 +8,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -173,6 +174,7 @@ private Q_SLOTS:
             &SectionHost::staticMetaObject,
             &MetadataViewModel::staticMetaObject,
             &VersionsListViewModel::staticMetaObject,
+            &TestFlightViewModel::staticMetaObject,
             &OverviewViewModel::staticMetaObject,
             &AppWindowViewModel::staticMetaObject,
             &ChangeLogViewModel::staticMetaObject,
