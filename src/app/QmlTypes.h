@@ -13,6 +13,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -75,6 +76,13 @@ struct VersionsListViewModelForeign {
     Q_GADGET
     QML_FOREIGN(VersionsListViewModel)
     QML_NAMED_ELEMENT(VersionsListViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct TestFlightViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(TestFlightViewModel)
+    QML_NAMED_ELEMENT(TestFlightViewModel)
     QML_UNCREATABLE("made by the application")
 };
 

@@ -11,6 +11,7 @@
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -176,6 +177,7 @@ private Q_SLOTS:
             &SectionHost::staticMetaObject,
             &MetadataViewModel::staticMetaObject,
             &VersionsListViewModel::staticMetaObject,
+            &TestFlightViewModel::staticMetaObject,
             &OverviewViewModel::staticMetaObject,
             &AppWindowViewModel::staticMetaObject,
             &ChangeLogViewModel::staticMetaObject,

@@ -1,0 +1,6 @@
+import QtQuick
+
+// The app's beta information per language.
+Item {
+    required property var model
+}
