@@ -196,6 +196,15 @@ void BetaFeedbackViewModel::setKind(Kind kind) {
         return;
     }
     m_kind = kind;
+    // An item the filter hides is no longer chosen: its details would stand beside a list
+    // that does not show it.
+    if (m_selected && kind != Kind::All && isCrash(*m_selected) != (kind == Kind::Crash)) {
+        m_selected.reset();
+        m_crashLog->abandon();
+        m_crashLog->clearError();
+        setCrashLogText(QString());
+        Q_EMIT selectedIDChanged();
+    }
     publish();
 }
 

@@ -17,6 +17,7 @@ class RowListModel;
 class BetaFeedbackViewModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(QString loadingText READ loadingText CONSTANT)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(RowListModel* items READ itemRows CONSTANT)
     Q_PROPERTY(RowListModel* kinds READ kindRows CONSTANT)

@@ -6,6 +6,9 @@
 #include "api/RowListModel.h"
 #include "platform/Clock.h"
 #include "platform/VarnisError.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
@@ -65,6 +68,17 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
     connect(m_loadingTesters, &ModelOperation::busyChanged, this,
             &TestFlightViewModel::isLoadingTestersChanged);
     connect(m_loadingTesters, &ModelOperation::errorChanged, this, &TestFlightViewModel::testersErrorChanged);
+    m_appInfo = new BetaAppInfoViewModel(state, m_app, this);
+    m_feedback = new BetaFeedbackViewModel(state, m_app, this);
+    m_buildDetail = new BetaBuildDetailViewModel(state, this);
+    // A tab's data is asked for when the tab is first shown, not with the groups.
+    connect(this, &TestFlightViewModel::selectedTabChanged, this, [this] {
+        if (m_selectedTab == AppInfoTab) {
+            m_appInfo->startLoad(false);
+        } else if (m_selectedTab == FeedbackTab) {
+            m_feedback->startLoad(false);
+        }
+    });
 }
 
 TestFlightViewModel::~TestFlightViewModel() = default;

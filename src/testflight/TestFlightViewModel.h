@@ -12,6 +12,9 @@
 #include <optional>
 
 class AppState;
+class BetaAppInfoViewModel;
+class BetaBuildDetailViewModel;
+class BetaFeedbackViewModel;
 class ModelOperation;
 class RowListModel;
 
@@ -22,6 +25,9 @@ class RowListModel;
 class TestFlightViewModel : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("api/RowListModel.h")
+    Q_MOC_INCLUDE("testflight/BetaAppInfoViewModel.h")
+    Q_MOC_INCLUDE("testflight/BetaBuildDetailViewModel.h")
+    Q_MOC_INCLUDE("testflight/BetaFeedbackViewModel.h")
     Q_PROPERTY(int selectedTab READ selectedTab WRITE selectTab NOTIFY selectedTabChanged)
     Q_PROPERTY(QStringList tabTitles READ tabTitles CONSTANT)
     Q_PROPERTY(RowListModel* groups READ groupRows CONSTANT)
@@ -34,6 +40,11 @@ class TestFlightViewModel : public QObject {
     Q_PROPERTY(bool isLoadingTesters READ isLoadingTesters NOTIFY isLoadingTestersChanged)
     Q_PROPERTY(QString testersError READ testersError NOTIFY testersErrorChanged)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
+    // The app's beta texts, the feedback and the chosen build: models of their own, loaded when
+    // their tab is first shown (the build's when a build is chosen).
+    Q_PROPERTY(BetaAppInfoViewModel* appInfo READ appInfo CONSTANT)
+    Q_PROPERTY(BetaFeedbackViewModel* feedback READ feedback CONSTANT)
+    Q_PROPERTY(BetaBuildDetailViewModel* buildDetail READ buildDetail CONSTANT)
 
 public:
     enum Tab { GroupsTab, BuildsTab, AppInfoTab, FeedbackTab };
@@ -75,6 +86,9 @@ public:
 
     RowListModel* groupRows() const { return m_groupRows; }
     RowListModel* testerRows() const { return m_testerRows; }
+    BetaAppInfoViewModel* appInfo() const { return m_appInfo; }
+    BetaFeedbackViewModel* feedback() const { return m_feedback; }
+    BetaBuildDetailViewModel* buildDetail() const { return m_buildDetail; }
 
     // Operations; each never raises, its result lands in the published state.
     QCoro::Task<> loadGroups(bool forceRefresh);
@@ -117,4 +131,7 @@ private:
     QList<ManagedBetaTester> m_testers;
     QString m_statusMessage;
     std::optional<PendingWrite> m_pendingWrite;
+    BetaAppInfoViewModel* m_appInfo;
+    BetaFeedbackViewModel* m_feedback;
+    BetaBuildDetailViewModel* m_buildDetail;
 };

@@ -1,0 +1,93 @@
+#include "UiFixture.h"
+
+#include "api/RowListModel.h"
+#include "api/WriteConfirmationViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/TestFlightViewModel.h"
+#include "workspace/AppListModel.h"
+#include "workspace/SectionHost.h"
+#include "workspace/WorkspaceViewModel.h"
+
+#include <QQuickItem>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class TestFlightDetailUiTest : public UiFixture {
+    Q_OBJECT
+
+    WorkspaceViewModel* m_workspace = nullptr;
+    TestFlightViewModel* m_model = nullptr;
+
+    // Demo mode, the first app chosen with the mouse, its TestFlight section and then the tab
+    // `tab` clicked.
+    void openTab(int tab) {
+        startDemo();
+        m_workspace = m_shell->workspace();
+        QTRY_COMPARE(m_workspace->allApps()->count(), 4);
+        QVERIFY(clickRow(mainWindow(), u"allAppsList"_s, 0));
+        QTRY_VERIFY(m_workspace->hasSelectedApp());
+        QVERIFY(clickNamed(mainWindow(), u"section_testFlight"_s));
+        m_model = qobject_cast<TestFlightViewModel*>(m_workspace->sections()->sectionModel());
+        QVERIFY(m_model);
+        QVERIFY(clickNamed(mainWindow(), u"testFlightTab_"_s + QString::number(tab)));
+        QTRY_COMPARE(m_model->selectedTab(), tab);
+    }
+
+private Q_SLOTS:
+    void initTestCase() { installMessageHandler(); }
+    void init() { initFixture(); }
+    void cleanup() { cleanupFixture(); }
+
+    // The languages come with the tab; choosing one shows its texts under the cursor-free
+    // editor, the feedback address with its hint.
+    void appInfoShowsLanguages() {
+        openTab(TestFlightViewModel::AppInfoTab);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        BetaAppInfoViewModel* info = m_model->appInfo();
+        QTRY_COMPARE(info->localizations().size(), 2);
+        QVERIFY(findItem(mainWindow(), u"betaAppLanguage_de-DE"_s));
+        QVERIFY(clickNamed(mainWindow(), u"betaAppLanguage_en-US"_s));
+        QTRY_COMPARE(info->selectedLocale(), u"en-US"_s);
+        QQuickItem* description = findItem(mainWindow(), u"betaAppField_description"_s);
+        QVERIFY(description);
+        QTRY_VERIFY(description->property("text").toString().startsWith(u"Thanks for testing"_s));
+        QVERIFY(findText(mainWindow(), BetaAppInfoViewModel::feedbackAddressHint()));
+        QVERIFY(!info->hasUnsavedChanges());
+        shoot(mainWindow(), u"testflight-appinfo"_s);
+    }
+
+    // The filter narrows the list; a crash shows its log on request.
+    void feedbackFilterAndCrashLog() {
+        openTab(TestFlightViewModel::FeedbackTab);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        BetaFeedbackViewModel* feedback = m_model->feedback();
+        QTRY_COMPARE(feedback->itemRows()->count(), 2);
+        QVERIFY(clickNamed(mainWindow(), u"feedbackKind_crash"_s));
+        QTRY_COMPARE(feedback->itemRows()->count(), 1);
+        QCOMPARE(feedback->selectedKind(), BetaFeedbackViewModel::Kind::Crash);
+        const QString crash = feedback->itemRows()->value(0, BetaFeedbackViewModel::ItemID).toString();
+        QVERIFY(clickNamed(mainWindow(), u"feedback_"_s + crash));
+        QTRY_COMPARE(feedback->selectedID(), crash);
+        QVERIFY(clickNamed(mainWindow(), u"openCrashLogButton"_s));
+        QQuickItem* log = findItem(mainWindow(), u"crashLogText"_s);
+        QVERIFY(log);
+        QVERIFY(log->property("text").toString().contains(u"Crashed"_s));
+        QVERIFY(clickNamed(mainWindow(), u"feedbackKind_screenshot"_s));
+        QTRY_COMPARE(feedback->itemRows()->count(), 1);
+        QVERIFY(!feedback->itemRows()->value(0, BetaFeedbackViewModel::ItemIsCrash).toBool());
+        // The crash is filtered out, and with it its details and log.
+        QCOMPARE(feedback->selectedID(), QString());
+        QVERIFY(!shownItem(mainWindow(), u"crashLogText"_s));
+        shoot(mainWindow(), u"testflight-feedback"_s);
+    }
+};
+
+QTEST_MAIN(TestFlightDetailUiTest)
+#include "tst_testflightdetail.moc"
