@@ -59,7 +59,7 @@ public:
 
     // Points the model at a build and loads it; the same build again changes nothing. Edits of
     // the build shown before are dropped.
-    void showBuild(const QString& buildID, const QString& buildNumber);
+    Q_INVOKABLE void showBuild(const QString& buildID, const QString& buildNumber);
     const QString& buildID() const { return m_buildID; }
 
     // Published state.

@@ -67,27 +67,29 @@ struct Fixture : TestPlatform {
         }
     }
 
-    // Test notes in German and English, a beta state, and usage with two data points.
-    void scriptBuild(int reviewStatus = 200) {
+    // Test notes in German and English (the German one naming the build), a beta state, and
+    // usage with two data points.
+    void scriptBuild(int reviewStatus = 200, const QString& build = u"b1"_s) {
         const auto notes = [](const QString& id, const QString& locale, const QString& text) {
             return resource(u"betaBuildLocalizations"_s, id, {{u"locale"_s, locale}, {u"whatsNew"_s, text}});
         };
-        transport->script("GET", u"/v1/builds/b1/betaBuildLocalizations"_s,
-                          {Answer::json(200, page({notes(u"l-de"_s, u"de-DE"_s, u"Export testen"_s),
+        transport->script("GET", u"/v1/builds/"_s + build + u"/betaBuildLocalizations"_s,
+                          {Answer::json(200, page({notes(u"l-de"_s, u"de-DE"_s,
+                                                         build == u"b1"_s ? u"Export testen"_s : build),
                                                    notes(u"l-en"_s, u"en-US"_s, u"Test export"_s)}))});
         transport->script(
-            "GET", u"/v1/builds/b1/buildBetaDetail"_s,
+            "GET", u"/v1/builds/"_s + build + u"/buildBetaDetail"_s,
             {Answer::json(200,
-                          single(resource(u"buildBetaDetails"_s, u"b1"_s,
+                          single(resource(u"buildBetaDetails"_s, build,
                                           {{u"internalBuildState"_s, u"IN_BETA_TESTING"_s},
                                            {u"externalBuildState"_s, u"READY_FOR_BETA_SUBMISSION"_s}})))});
-        transport->script("GET", u"/v1/builds/b1/betaAppReviewSubmission"_s,
+        transport->script("GET", u"/v1/builds/"_s + build + u"/betaAppReviewSubmission"_s,
                           {reviewStatus == 200
                                ? Answer::json(200, single(resource(u"betaAppReviewSubmissions"_s, u"s1"_s,
                                                                    {{u"betaReviewState"_s, u"IN_REVIEW"_s}})))
                                : Answer::json(reviewStatus, JsonApi::error(u"404"_s, u"nicht da"_s))});
         transport->script(
-            "GET", u"/v1/builds/b1/metrics/betaBuildUsages"_s,
+            "GET", u"/v1/builds/"_s + build + u"/metrics/betaBuildUsages"_s,
             {Answer::json(
                 200, QByteArray(R"({"data":[)"
                                 R"({"dataPoints":{"start":"2026-01-01","values":{"crashCount":1}}},)"
@@ -327,6 +329,23 @@ private Q_SLOTS:
         QCOMPARE(f.build->usageText(), u"Apple liefert für diesen Build keine Datenpunkte."_s);
         QCOMPARE(f.build->usageRows()->count(), 0);
         VARNIS_VERIFY_CONTRACT(*f.transport);
+    }
+
+    // The answer for a build the user has left behind does not land on the one chosen since.
+    void lateAnswerOfAnotherBuild() {
+        Fixture f(u"account"_s);
+        f.scriptBuild(200, u"b1"_s);
+        f.scriptBuild(200, u"b2"_s);
+        f.transport->holdReplies(true);
+        f.build->showBuild(u"b1"_s, u"141"_s);
+        QTRY_COMPARE(f.transport->heldCount(), 1);
+        f.transport->holdReplies(false);
+        f.build->showBuild(u"b2"_s, u"142"_s);
+        QTRY_VERIFY(!f.build->isLoading());
+        f.transport->releaseHeld();
+        QTRY_VERIFY(f.transport->requestsTo("GET", u"/v1/builds/b1/buildBetaDetail"_s).isEmpty());
+        QCOMPARE(f.build->localizations().first().whatsNew, u"b2"_s);
+        QCOMPARE(f.build->buildTitle(), u"Build 142"_s);
     }
 
     // One list of both kinds, undated last; either read failing fails the whole; the filter
