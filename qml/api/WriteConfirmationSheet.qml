@@ -17,6 +17,9 @@ Dialog {
     visible: model.isPresented
     closePolicy: Popup.CloseOnEscape
     onRejected: model.cancel()
+    // Closed first, then confirmed: confirming ends the write, and the loader then destroys the
+    // sheet, which must not happen while it is still open.
+    onAccepted: model.confirm()
 
     header: RowLayout {
         spacing: 8
@@ -77,7 +80,7 @@ Dialog {
             objectName: "confirmWriteButton"
             text: sheet.model.confirmLabel
             highlighted: true
-            onClicked: sheet.model.confirm()
+            onClicked: sheet.accept()
         }
     }
 }

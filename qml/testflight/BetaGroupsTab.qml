@@ -28,6 +28,11 @@ RowLayout {
             visible: tab.model.isLoadingGroups
             running: visible
         }
+        Button {
+            objectName: "createGroupButton"
+            text: "Neue Gruppe …"
+            onClicked: tab.model.beginCreatingGroup()
+        }
         ListView {
             id: groupList
             objectName: "groupList"
@@ -89,11 +94,110 @@ RowLayout {
         Layout.fillHeight: true
         spacing: 4
 
+        RowLayout {
+            Layout.fillWidth: true
+            Label {
+                Layout.fillWidth: true
+                text: tab.model.selectedGroupName
+                font.bold: true
+                elide: Text.ElideRight
+            }
+            Button {
+                objectName: "groupSettingsButton"
+                text: "Einstellungen …"
+                enabled: tab.model.selectedGroupID !== ""
+                onClicked: tab.model.openGroupSettings(tab.model.selectedGroupID)
+            }
+            Button {
+                objectName: "copyLinkButton"
+                text: "Link kopieren"
+                visible: tab.model.canCopySelectedLink
+                onClicked: tab.model.copyPublicLink(tab.model.selectedGroupID)
+            }
+            Button {
+                objectName: "deleteGroupButton"
+                text: "Gruppe löschen"
+                enabled: tab.model.canDeleteSelectedGroup
+                onClicked: tab.model.requestDeleteGroup(tab.model.selectedGroupID)
+            }
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            Button {
+                objectName: "addTesterButton"
+                text: "Tester hinzufügen"
+                enabled: tab.model.selectedGroupID !== ""
+                onClicked: tab.model.beginAddingTester()
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+        }
         Label {
             Layout.fillWidth: true
-            text: tab.model.selectedGroupName
-            font.bold: true
-            elide: Text.ElideRight
+            visible: text !== ""
+            text: tab.model.groupActionError
+            color: Theme.negative
+            wrapMode: Text.Wrap
+        }
+        GridLayout {
+            Layout.fillWidth: true
+            visible: tab.model.isAddingTester
+            columns: 2
+            Label {
+                text: "E-Mail"
+            }
+            TextField {
+                objectName: "newTesterEmailField"
+                Layout.fillWidth: true
+                text: tab.model.newTesterEmail
+                placeholderText: "name@example.com"
+                Accessible.name: "E-Mail"
+                onTextEdited: tab.model.newTesterEmail = text
+                onAccepted: tab.model.startAddTester()
+            }
+            Label {
+                text: "Vorname"
+            }
+            TextField {
+                objectName: "newTesterFirstNameField"
+                Layout.fillWidth: true
+                text: tab.model.newTesterFirstName
+                Accessible.name: "Vorname"
+                onTextEdited: tab.model.newTesterFirstName = text
+            }
+            Label {
+                text: "Nachname"
+            }
+            TextField {
+                objectName: "newTesterLastNameField"
+                Layout.fillWidth: true
+                text: tab.model.newTesterLastName
+                Accessible.name: "Nachname"
+                onTextEdited: tab.model.newTesterLastName = text
+            }
+            Label {
+                Layout.columnSpan: 2
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: tab.model.addTesterError
+                color: Theme.negative
+                wrapMode: Text.Wrap
+            }
+            RowLayout {
+                Layout.columnSpan: 2
+                Button {
+                    objectName: "cancelAddTesterButton"
+                    text: "Abbrechen"
+                    onClicked: tab.model.isAddingTester = false
+                }
+                Button {
+                    objectName: "confirmAddTesterButton"
+                    text: "Hinzufügen"
+                    enabled: !tab.model.isSavingTester
+                    onClicked: tab.model.startAddTester()
+                }
+            }
         }
         Label {
             Layout.fillWidth: true
@@ -147,8 +251,21 @@ RowLayout {
                         text: tester.stateText
                         color: palette.placeholderText
                     }
+                    Button {
+                        objectName: "resend_" + tester.testerId
+                        text: "Erneut einladen"
+                        flat: true
+                        onClicked: tab.model.startResendInvitation(tester.testerId)
+                    }
+                    Button {
+                        objectName: "remove_" + tester.testerId
+                        text: "Entfernen"
+                        flat: true
+                        onClicked: tab.model.startRemoveTester(tester.testerId)
+                    }
                 }
             }
         }
     }
+
 }

@@ -6,48 +6,59 @@ import Varnis.App
 
 // TestFlight of the app: groups with their testers, builds, the app's beta information and
 // feedback, one tab each.
-ColumnLayout {
+Item {
     id: page
     required property TestFlightViewModel model
-    spacing: 6
 
-    TabBar {
-        id: tabs
-        objectName: "testFlightTabs"
-        Layout.fillWidth: true
-        currentIndex: page.model.selectedTab
-        Repeater {
-            model: page.model.tabTitles
-            TabButton {
-                required property string modelData
-                required property int index
-                objectName: "testFlightTab_" + index
-                text: modelData
-                onClicked: page.model.selectedTab = index
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 6
+
+        TabBar {
+            id: tabs
+            objectName: "testFlightTabs"
+            Layout.fillWidth: true
+            currentIndex: page.model.selectedTab
+            Repeater {
+                model: page.model.tabTitles
+                TabButton {
+                    required property string modelData
+                    required property int index
+                    objectName: "testFlightTab_" + index
+                    text: modelData
+                    onClicked: page.model.selectedTab = index
+                }
+            }
+        }
+        Label {
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: page.model.statusMessage
+            wrapMode: Text.Wrap
+        }
+        StackLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            currentIndex: page.model.selectedTab
+            BetaGroupsTab {
+                model: page.model
+            }
+            BetaBuildsTab {
+                model: page.model
+            }
+            BetaAppInfoTab {
+                model: page.model
+            }
+            BetaFeedbackTab {
+                model: page.model
             }
         }
     }
-    Label {
-        Layout.fillWidth: true
-        visible: text !== ""
-        text: page.model.statusMessage
-        wrapMode: Text.Wrap
+    // Beside the layout, not in it: a sheet takes no part in the page's arrangement.
+    CreateGroupSheet {
+        model: page.model
     }
-    StackLayout {
-        Layout.fillWidth: true
-        Layout.fillHeight: true
-        currentIndex: page.model.selectedTab
-        BetaGroupsTab {
-            model: page.model
-        }
-        BetaBuildsTab {
-            model: page.model
-        }
-        BetaAppInfoTab {
-            model: page.model
-        }
-        BetaFeedbackTab {
-            model: page.model
-        }
+    GroupSettingsSheet {
+        model: page.model
     }
 }

@@ -9,10 +9,14 @@
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/BetaTesterImportParsing.h"
+#include "testflight/TestFlightEndpoints.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
@@ -52,11 +56,24 @@ QString groupDetail(const ManagedBetaGroup& group) {
     return parts.join(u" · "_s);
 }
 
+std::optional<QString> nonBlank(const QString& text) {
+    const QString trimmed = text.trimmed();
+    return trimmed.isEmpty() ? std::nullopt : std::optional<QString>(trimmed);
+}
+
+// Runs a confirmed deletion once the user confirmed it; the model may be gone by then.
+QCoro::Task<> deleteConfirmed(QPointer<TestFlightViewModel> model, QString title, QString groupID) {
+    if (model && !model->stopsInDemo(title)) {
+        co_await model->deleteGroupConfirmed(groupID);
+    }
+}
+
 } // namespace
 
 TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObject* parent)
     : QObject(parent), m_state(state), m_app(std::move(app)), m_loadingGroups(new ModelOperation(this)),
-      m_loadingTesters(new ModelOperation(this)),
+      m_loadingTesters(new ModelOperation(this)), m_groupAction(new ModelOperation(this)),
+      m_savingTester(new ModelOperation(this)), m_savingGroup(new ModelOperation(this)),
       m_groupRows(new RowListModel({"groupId", "name", "kindText", "detailText", "isInternal", "isSelected",
                                     "hasPublicLink", "accessibleName"},
                                    this)),
@@ -68,6 +85,13 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
     connect(m_loadingTesters, &ModelOperation::busyChanged, this,
             &TestFlightViewModel::isLoadingTestersChanged);
     connect(m_loadingTesters, &ModelOperation::errorChanged, this, &TestFlightViewModel::testersErrorChanged);
+    connect(m_groupAction, &ModelOperation::errorChanged, this,
+            &TestFlightViewModel::groupActionErrorChanged);
+    connect(m_savingGroup, &ModelOperation::errorChanged, this,
+            &TestFlightViewModel::groupActionErrorChanged);
+    connect(m_savingGroup, &ModelOperation::busyChanged, this, &TestFlightViewModel::isSavingGroupChanged);
+    connect(m_savingTester, &ModelOperation::busyChanged, this, &TestFlightViewModel::isSavingTesterChanged);
+    connect(m_savingTester, &ModelOperation::errorChanged, this, &TestFlightViewModel::addTesterErrorChanged);
     m_appInfo = new BetaAppInfoViewModel(state, m_app, this);
     m_feedback = new BetaFeedbackViewModel(state, m_app, this);
     m_buildDetail = new BetaBuildDetailViewModel(state, this);
@@ -153,6 +177,8 @@ void TestFlightViewModel::setSelectedGroup(std::optional<ManagedBetaGroup> group
     if (oldName != selectedGroupName()) {
         Q_EMIT selectedGroupNameChanged();
     }
+    Q_EMIT canDeleteSelectedGroupChanged();
+    Q_EMIT canCopySelectedLinkChanged();
     publishGroups();
 }
 
@@ -296,4 +322,528 @@ void TestFlightViewModel::confirmPendingWrite() {
     if (write.perform) {
         QCoro::connect(write.perform(), this, [] {});
     }
+}
+
+// --- Writes on groups and testers -----------------------------------------------------------
+
+std::optional<QString> TestFlightViewModel::ensureWritable() const {
+    if (auto reason = m_state.writeBlockedReason()) {
+        return reason;
+    }
+    if (isDemo()) {
+        return WriteGate::demoMessage();
+    }
+    return std::nullopt;
+}
+
+bool TestFlightViewModel::stopsInDemo(const QString& title) {
+    if (!isDemo()) {
+        return false;
+    }
+    setStatusMessage(u"Demo-Modus: „"_s + title + u"“ wurde nur angezeigt – an Apple ging nichts."_s);
+    return true;
+}
+
+void TestFlightViewModel::setPendingWrite(PendingWrite write) {
+    m_pendingWrite = std::move(write);
+    Q_EMIT pendingWriteChanged();
+}
+
+std::optional<ManagedBetaGroup> TestFlightViewModel::findGroup(const QString& groupID) const {
+    for (const auto& group : m_groups) {
+        if (group.id == groupID) {
+            return group;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<ManagedBetaTester> TestFlightViewModel::findTester(const QString& testerID) const {
+    for (const auto& tester : m_testers) {
+        if (tester.id == testerID) {
+            return tester;
+        }
+    }
+    return std::nullopt;
+}
+
+QString TestFlightViewModel::groupActionError() const {
+    return m_savingGroup->hasError() ? m_savingGroup->errorText() : m_groupAction->errorText();
+}
+
+bool TestFlightViewModel::isSavingTester() const {
+    return m_savingTester->isBusy();
+}
+
+QString TestFlightViewModel::addTesterError() const {
+    return m_savingTester->errorText();
+}
+
+bool TestFlightViewModel::isSavingGroup() const {
+    return m_savingGroup->isBusy();
+}
+
+void TestFlightViewModel::setAddingTester(bool on) {
+    if (m_isAddingTester == on) {
+        return;
+    }
+    m_isAddingTester = on;
+    m_savingTester->clearError();
+    Q_EMIT isAddingTesterChanged();
+}
+
+void TestFlightViewModel::setNewTesterEmail(const QString& text) {
+    if (m_newTesterEmail != text) {
+        m_newTesterEmail = text;
+        Q_EMIT newTesterEmailChanged();
+    }
+}
+
+void TestFlightViewModel::setNewTesterFirstName(const QString& text) {
+    if (m_newTesterFirstName != text) {
+        m_newTesterFirstName = text;
+        Q_EMIT newTesterFirstNameChanged();
+    }
+}
+
+void TestFlightViewModel::setNewTesterLastName(const QString& text) {
+    if (m_newTesterLastName != text) {
+        m_newTesterLastName = text;
+        Q_EMIT newTesterLastNameChanged();
+    }
+}
+
+void TestFlightViewModel::setCreatingGroup(bool on) {
+    if (m_isCreatingGroup != on) {
+        m_isCreatingGroup = on;
+        m_savingGroup->clearError();
+        Q_EMIT isCreatingGroupChanged();
+    }
+}
+
+void TestFlightViewModel::setNewGroupName(const QString& name) {
+    if (m_newGroupName != name) {
+        m_newGroupName = name;
+        Q_EMIT newGroupNameChanged();
+    }
+}
+
+QString TestFlightViewModel::newGroupNote() {
+    return u"Neue Gruppen sind extern: ihre Tester brauchen einen Build, der die Beta-Prüfung bestanden hat."_s;
+}
+
+QCoro::Task<> TestFlightViewModel::confirmAddTester() {
+    QPointer<TestFlightViewModel> self(this);
+    if (auto reason = ensureWritable()) {
+        m_savingTester->setError(*reason);
+        co_return;
+    }
+    if (!m_selectedGroup) {
+        m_savingTester->setError(u"Es ist keine Gruppe gewählt."_s);
+        co_return;
+    }
+    const QString email = m_newTesterEmail.trimmed();
+    if (!BetaTesterImportParsing::isValidAddress(email)) {
+        m_savingTester->setError(u"„"_s + email + u"“ ist keine gültige E-Mail-Adresse."_s);
+        co_return;
+    }
+    const NewBetaTester tester{email, nonBlank(m_newTesterFirstName), nonBlank(m_newTesterLastName)};
+    const QString groupID = m_selectedGroup->id;
+    const auto account = m_state.accountStore().selectedAccount();
+    auto run = m_savingTester->start();
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        co_await m_state.testFlightService().addTester(tester, groupID, client);
+        if (!self) {
+            co_return;
+        }
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    run.succeed();
+    setNewTesterEmail(QString());
+    setNewTesterFirstName(QString());
+    setNewTesterLastName(QString());
+    setAddingTester(false);
+    if (selectedGroupID() == groupID) {
+        co_await loadTesters(true);
+    }
+}
+
+QCoro::Task<> TestFlightViewModel::removeTester(QString testerID) {
+    QPointer<TestFlightViewModel> self(this);
+    if (auto reason = ensureWritable()) {
+        m_groupAction->setError(*reason);
+        co_return;
+    }
+    if (!m_selectedGroup || !findTester(testerID)) {
+        co_return;
+    }
+    const QString groupID = m_selectedGroup->id;
+    const auto account = m_state.accountStore().selectedAccount();
+    auto run = m_groupAction->start();
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        co_await m_state.testFlightService().removeTester(testerID, groupID, client);
+        if (!self) {
+            co_return;
+        }
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    if (selectedGroupID() == groupID) {
+        m_testers.removeIf([&](const ManagedBetaTester& t) { return t.id == testerID; });
+        publishTesters();
+    }
+    run.succeed();
+}
+
+QCoro::Task<> TestFlightViewModel::resendInvitation(QString testerID) {
+    QPointer<TestFlightViewModel> self(this);
+    if (auto reason = ensureWritable()) {
+        m_groupAction->setError(*reason);
+        co_return;
+    }
+    const auto tester = findTester(testerID);
+    if (!tester) {
+        co_return;
+    }
+    const QString appID = m_app.id;
+    const auto account = m_state.accountStore().selectedAccount();
+    auto run = m_groupAction->start();
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        co_await m_state.testFlightService().resendInvitation(testerID, appID, client);
+        if (!self) {
+            co_return;
+        }
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    run.succeed();
+    setStatusMessage(u"Einladung an "_s + tester->displayName() + u" erneut verschickt."_s);
+}
+
+QCoro::Task<> TestFlightViewModel::createGroup() {
+    QPointer<TestFlightViewModel> self(this);
+    if (auto reason = ensureWritable()) {
+        m_savingGroup->setError(*reason);
+        co_return;
+    }
+    const QString name = m_newGroupName.trimmed();
+    if (name.isEmpty()) {
+        m_savingGroup->setError(u"Die Gruppe braucht einen Namen."_s);
+        co_return;
+    }
+    BetaGroupCreateRequestBody body;
+    body.appID = m_app.id;
+    body.name = name;
+    const auto account = m_state.accountStore().selectedAccount();
+    auto run = m_savingGroup->start();
+    m_groupAction->clearError();
+    ManagedBetaGroup created;
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        const auto resource = co_await client->call(TestFlightEndpoints::createGroup(body));
+        if (!self) {
+            co_return;
+        }
+        created = ManagedBetaGroup::fromResource(resource.id, resource.attributes);
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    run.succeed();
+    setNewGroupName(QString());
+    setCreatingGroup(false);
+    setStatusMessage(u"Gruppe „"_s + created.name + u"“ angelegt."_s);
+    // The new group is the one the user wants to fill next.
+    setSelectedGroup(created);
+    co_await load(true);
+}
+
+void TestFlightViewModel::requestDeleteGroup(const QString& groupID) {
+    // Demo mode shows the sheet; its confirmation sends nothing.
+    if (auto reason = m_state.writeBlockedReason()) {
+        m_groupAction->setError(*reason);
+        return;
+    }
+    const auto group = findGroup(groupID);
+    if (!group) {
+        return;
+    }
+    m_groupAction->clearError();
+    m_savingGroup->clearError();
+    PendingWrite write;
+    write.title = u"Gruppe löschen"_s;
+    write.explanation =
+        u"„"_s + group->name +
+        u"“ wird gelöscht. Die Tester bleiben im Account, verlieren aber den Zugang über diese "
+        u"Gruppe – ein öffentlicher Link der Gruppe wird ungültig."_s;
+    WriteChange change;
+    change.field = u"Gruppe"_s;
+    change.before = group->name;
+    change.after = u"gelöscht"_s;
+    write.changes = {change};
+    write.confirmLabel = u"Löschen"_s;
+    write.isDestructive = true;
+    write.perform = [model = QPointer<TestFlightViewModel>(this), title = write.title, groupID]() {
+        return deleteConfirmed(model, title, groupID);
+    };
+    setPendingWrite(std::move(write));
+}
+
+QCoro::Task<> TestFlightViewModel::deleteGroupConfirmed(QString groupID) {
+    QPointer<TestFlightViewModel> self(this);
+    const auto group = findGroup(groupID);
+    const auto account = m_state.accountStore().selectedAccount();
+    if (!group || !account) {
+        co_return;
+    }
+    const QString appID = m_app.id;
+    auto run = m_groupAction->start();
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        co_await m_state.testFlightService().deleteGroup(groupID, appID, client);
+        if (!self) {
+            co_return;
+        }
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    m_groups.removeIf([&](const ManagedBetaGroup& g) { return g.id == groupID; });
+    if (selectedGroupID() == groupID) {
+        setSelectedGroup(std::nullopt);
+    }
+    if (settingsGroupID() == groupID) {
+        setSettingsGroup(std::nullopt);
+    }
+    publishGroups();
+    run.succeed();
+    setStatusMessage(u"Gruppe „"_s + group->name + u"“ gelöscht."_s);
+}
+
+void TestFlightViewModel::copyPublicLink(const QString& groupID) {
+    const auto group = findGroup(groupID);
+    if (!group || !group->publicLink) {
+        return;
+    }
+    // A headless run (the tests, the command line) has no clipboard.
+    if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        app->clipboard()->setText(*group->publicLink);
+    }
+    setStatusMessage(u"Öffentlicher Link kopiert."_s);
+}
+
+void TestFlightViewModel::startAddTester() {
+    QCoro::connect(confirmAddTester(), this, [] {});
+}
+
+void TestFlightViewModel::startRemoveTester(const QString& testerID) {
+    QCoro::connect(removeTester(testerID), this, [] {});
+}
+
+void TestFlightViewModel::startResendInvitation(const QString& testerID) {
+    QCoro::connect(resendInvitation(testerID), this, [] {});
+}
+
+void TestFlightViewModel::startCreateGroup() {
+    QCoro::connect(createGroup(), this, [] {});
+}
+
+// --- Settings of a group --------------------------------------------------------------------
+
+QString TestFlightViewModel::settingsGroupID() const {
+    return m_groupForSettings ? m_groupForSettings->id : QString();
+}
+
+QString TestFlightViewModel::settingsTitle() const {
+    return m_groupForSettings ? u"Einstellungen von „"_s + m_groupForSettings->name + u"“"_s : QString();
+}
+
+bool TestFlightViewModel::settingsIsInternal() const {
+    return m_groupForSettings && m_groupForSettings->isInternal;
+}
+
+QString TestFlightViewModel::settingsNote() const {
+    if (!m_groupForSettings) {
+        return {};
+    }
+    if (m_groupForSettings->isInternal) {
+        return u"Interne Gruppen verwaltet Apple selbst – Name, öffentlicher Link und Löschen sind dort "
+               u"nicht "
+               u"vorgesehen."_s;
+    }
+    if (m_settings.publicLinkEnabled && !m_groupForSettings->publicLink) {
+        return u"Apple erzeugt den Link, sobald die Änderung gespeichert ist."_s;
+    }
+    return {};
+}
+
+QString TestFlightViewModel::settingsAllBuildsText() const {
+    if (!m_groupForSettings) {
+        return {};
+    }
+    return m_settings.hasAccessToAllBuilds ? u"Sieht alle Builds (legt Apple beim Anlegen fest)"_s
+                                           : u"Sieht nur zugewiesene Builds (legt Apple beim Anlegen fest)"_s;
+}
+
+void TestFlightViewModel::emitSettingsChanged() {
+    Q_EMIT settingsTitleChanged();
+    Q_EMIT settingsIsInternalChanged();
+    Q_EMIT settingsNoteChanged();
+    Q_EMIT settingsNameChanged();
+    Q_EMIT settingsPublicLinkEnabledChanged();
+    Q_EMIT settingsLimitEnabledChanged();
+    Q_EMIT settingsLimitChanged();
+    Q_EMIT settingsFeedbackEnabledChanged();
+    Q_EMIT settingsAllBuildsTextChanged();
+    Q_EMIT settingsSiliconMacBuildsChanged();
+}
+
+void TestFlightViewModel::setSettingsGroup(std::optional<ManagedBetaGroup> group) {
+    const QString oldID = settingsGroupID();
+    m_groupForSettings = std::move(group);
+    m_settings = m_groupForSettings.value_or(ManagedBetaGroup{});
+    if (oldID != settingsGroupID()) {
+        Q_EMIT settingsGroupIDChanged();
+    }
+    emitSettingsChanged();
+}
+
+void TestFlightViewModel::openGroupSettings(const QString& groupID) {
+    m_savingGroup->clearError();
+    setSettingsGroup(findGroup(groupID));
+}
+
+void TestFlightViewModel::closeGroupSettings() {
+    setSettingsGroup(std::nullopt);
+}
+
+void TestFlightViewModel::setSettingsName(const QString& name) {
+    if (m_settings.name != name) {
+        m_settings.name = name;
+        Q_EMIT settingsNameChanged();
+    }
+}
+
+void TestFlightViewModel::setSettingsPublicLinkEnabled(bool on) {
+    if (m_settings.publicLinkEnabled != on) {
+        m_settings.publicLinkEnabled = on;
+        Q_EMIT settingsPublicLinkEnabledChanged();
+        Q_EMIT settingsNoteChanged();
+    }
+}
+
+void TestFlightViewModel::setSettingsLimitEnabled(bool on) {
+    if (m_settings.publicLinkLimitEnabled != on) {
+        m_settings.publicLinkLimitEnabled = on;
+        Q_EMIT settingsLimitEnabledChanged();
+    }
+}
+
+void TestFlightViewModel::setSettingsLimit(int limit) {
+    if (m_settings.publicLinkLimit != limit) {
+        m_settings.publicLinkLimit = limit;
+        Q_EMIT settingsLimitChanged();
+    }
+}
+
+void TestFlightViewModel::setSettingsFeedbackEnabled(bool on) {
+    if (m_settings.feedbackEnabled != on) {
+        m_settings.feedbackEnabled = on;
+        Q_EMIT settingsFeedbackEnabledChanged();
+    }
+}
+
+void TestFlightViewModel::setSettingsSiliconMacBuilds(bool on) {
+    if (m_settings.iosBuildsAvailableForAppleSiliconMac != on) {
+        m_settings.iosBuildsAvailableForAppleSiliconMac = on;
+        Q_EMIT settingsSiliconMacBuildsChanged();
+    }
+}
+
+void TestFlightViewModel::replace(const ManagedBetaGroup& group) {
+    for (auto& existing : m_groups) {
+        if (existing.id == group.id) {
+            existing = group;
+        }
+    }
+    if (m_selectedGroup && m_selectedGroup->id == group.id) {
+        setSelectedGroup(group);
+    }
+    if (m_groupForSettings && m_groupForSettings->id == group.id) {
+        setSettingsGroup(group);
+    }
+    publishGroups();
+}
+
+QCoro::Task<> TestFlightViewModel::saveGroupSettings() {
+    QPointer<TestFlightViewModel> self(this);
+    if (!m_groupForSettings) {
+        co_return;
+    }
+    if (auto reason = ensureWritable()) {
+        m_savingGroup->setError(*reason);
+        co_return;
+    }
+    // Apple takes no name, link or limit for an internal group; whether a group sees every
+    // build it takes only when the group is made.
+    BetaGroupUpdateRequestBody body;
+    body.id = m_groupForSettings->id;
+    if (!m_groupForSettings->isInternal) {
+        body.name = m_settings.name.trimmed();
+        body.publicLinkEnabled = m_settings.publicLinkEnabled;
+        body.publicLinkLimitEnabled = m_settings.publicLinkLimitEnabled;
+        if (m_settings.publicLinkLimitEnabled) {
+            body.publicLinkLimit = m_settings.publicLinkLimit;
+        }
+    }
+    body.feedbackEnabled = m_settings.feedbackEnabled;
+    body.iosBuildsAvailableForAppleSiliconMac = m_settings.iosBuildsAvailableForAppleSiliconMac;
+    const auto account = m_state.accountStore().selectedAccount();
+    auto run = m_savingGroup->start();
+    m_groupAction->clearError();
+    ManagedBetaGroup saved;
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        const auto resource = co_await client->call(TestFlightEndpoints::updateGroup(body));
+        if (!self) {
+            co_return;
+        }
+        saved = ManagedBetaGroup::fromResource(resource.id, resource.attributes);
+    } catch (const std::exception& error) {
+        run.fail(error);
+        co_return;
+    }
+    run.succeed();
+    replace(saved);
+    setStatusMessage(u"Gruppe „"_s + saved.name + u"“ aktualisiert."_s);
+    setSettingsGroup(std::nullopt);
+}
+
+void TestFlightViewModel::startSaveGroupSettings() {
+    QCoro::connect(saveGroupSettings(), this, [] {});
 }

@@ -51,6 +51,47 @@ private Q_SLOTS:
         QVERIFY(findText(mainWindow(), m_model->testers().at(0).displayName()));
         shoot(mainWindow(), u"testflight-groups"_s);
     }
+
+    void addingATesterInDemoModeSendsNothing() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(clickNamed(mainWindow(), u"addTesterButton"_s));
+        QQuickItem* email = findItem(mainWindow(), u"newTesterEmailField"_s);
+        QVERIFY(email);
+        click(email);
+        QTRY_VERIFY(email->hasActiveFocus());
+        typeText(mainWindow(), u"jörg@example.com"_s);
+        QCOMPARE(m_model->newTesterEmail(), u"jörg@example.com"_s);
+        QTest::keyClick(mainWindow(), Qt::Key_Tab);
+        typeText(mainWindow(), u"Jörg"_s);
+        QCOMPARE(m_model->newTesterFirstName(), u"Jörg"_s);
+        QVERIFY(clickNamed(mainWindow(), u"confirmAddTesterButton"_s));
+        QTRY_COMPARE(m_model->addTesterError(), WriteGate::demoMessage());
+        QVERIFY(findText(mainWindow(), WriteGate::demoMessage()));
+        QCOMPARE(m_model->testers().size(), 3);
+    }
+
+    void deletingAGroupAsksFirst() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        const ManagedBetaGroup external = m_model->groups().at(1);
+        QVERIFY(!external.isInternal);
+        QVERIFY(clickNamed(mainWindow(), u"group_"_s + external.id));
+        QTRY_COMPARE(m_model->selectedGroupID(), external.id);
+        QVERIFY(clickNamed(mainWindow(), u"deleteGroupButton"_s));
+        QVERIFY(findItem(mainWindow(), u"confirmWriteButton"_s));
+        QVERIFY(findText(mainWindow(), u"Gruppe löschen"_s));
+        shoot(mainWindow(), u"testflight-delete-group"_s);
+        QVERIFY(clickNamed(mainWindow(), u"confirmWriteButton"_s));
+        QTRY_COMPARE(m_model->statusMessage(),
+                     u"Demo-Modus: „Gruppe löschen“ wurde nur angezeigt – an Apple ging nichts."_s);
+        QVERIFY(findText(mainWindow(), m_model->statusMessage()));
+        QCOMPARE(m_model->groups().size(), 2);
+    }
 };
 
 QTEST_MAIN(TestFlightUiTest)
