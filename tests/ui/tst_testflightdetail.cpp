@@ -59,6 +59,22 @@ private Q_SLOTS:
         QVERIFY(findText(mainWindow(), BetaAppInfoViewModel::feedbackAddressHint()));
         QVERIFY(!info->hasUnsavedChanges());
         shoot(mainWindow(), u"testflight-appinfo"_s);
+
+        // A changed address goes to the sheet with its before and after; the demo sends nothing.
+        QQuickItem* address = findItem(mainWindow(), u"betaAppField_feedbackEmail"_s);
+        QVERIFY(address);
+        click(address);
+        QTRY_VERIFY(address->hasActiveFocus());
+        QTest::keyClick(mainWindow(), Qt::Key_End);
+        typeText(mainWindow(), u"x"_s);
+        QTRY_VERIFY(info->hasUnsavedChanges());
+        QVERIFY(clickNamed(mainWindow(), u"saveBetaAppInfoButton"_s));
+        QTRY_VERIFY(m_shell->writeConfirmation()->isPresented());
+        QCOMPARE(m_shell->writeConfirmation()->title(), u"Beta-Informationen speichern"_s);
+        QVERIFY(findText(mainWindow(), u"beta@example.comx"_s));
+        QVERIFY(clickNamed(mainWindow(), u"confirmWriteButton"_s));
+        QTRY_VERIFY(info->saveStatus().startsWith(u"Demo-Modus: „Beta-Informationen speichern“"_s));
+        QVERIFY(findText(mainWindow(), info->saveStatus()));
     }
 
     // The filter narrows the list; a crash shows its log on request.
