@@ -61,4 +61,7 @@ Item {
     GroupSettingsSheet {
         model: page.model
     }
+    AssignGroupsSheet {
+        model: page.model
+    }
 }

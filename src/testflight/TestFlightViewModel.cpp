@@ -6,6 +6,7 @@
 #include "api/RowListModel.h"
 #include "platform/Clock.h"
 #include "platform/VarnisError.h"
+#include "release/BuildsService.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
@@ -17,6 +18,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLocale>
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
@@ -68,17 +70,35 @@ QCoro::Task<> deleteConfirmed(QPointer<TestFlightViewModel> model, QString title
     }
 }
 
+// "15. Jan. 2026": the date alone, abbreviated.
+QString shortDate(const QDateTime& date) {
+    return QLocale(QLocale::German).toString(date.toLocalTime().date(), u"d. MMM yyyy"_s);
+}
+
 } // namespace
 
 TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObject* parent)
     : QObject(parent), m_state(state), m_app(std::move(app)), m_loadingGroups(new ModelOperation(this)),
       m_loadingTesters(new ModelOperation(this)), m_groupAction(new ModelOperation(this)),
       m_savingTester(new ModelOperation(this)), m_savingGroup(new ModelOperation(this)),
+      m_loadingBuilds(new ModelOperation(this)), m_assignment(new ModelOperation(this)),
       m_groupRows(new RowListModel({"groupId", "name", "kindText", "detailText", "isInternal", "isSelected",
                                     "hasPublicLink", "accessibleName"},
                                    this)),
       m_testerRows(
-          new RowListModel({"testerId", "displayName", "email", "stateText", "accessibleName"}, this)) {
+          new RowListModel({"testerId", "displayName", "email", "stateText", "accessibleName"}, this)),
+      m_buildRows(new RowListModel({"buildId", "buildNumber", "uploadedText", "expiryText", "internalState",
+                                    "externalState", "isSelected", "accessibleName"},
+                                   this)),
+      m_statRows(new RowListModel({"label", "value"}, this)),
+      m_assignmentRows(
+          new RowListModel({"groupId", "name", "isAssigned", "isPending", "accessibleName"}, this)) {
+    connect(m_loadingBuilds, &ModelOperation::busyChanged, this,
+            &TestFlightViewModel::isLoadingBuildsChanged);
+    connect(m_loadingBuilds, &ModelOperation::errorChanged, this, &TestFlightViewModel::buildsErrorChanged);
+    connect(m_assignment, &ModelOperation::busyChanged, this,
+            &TestFlightViewModel::isLoadingAssignmentChanged);
+    connect(m_assignment, &ModelOperation::errorChanged, this, &TestFlightViewModel::assignmentErrorChanged);
     connect(m_loadingGroups, &ModelOperation::busyChanged, this,
             &TestFlightViewModel::isLoadingGroupsChanged);
     connect(m_loadingGroups, &ModelOperation::errorChanged, this, &TestFlightViewModel::groupsErrorChanged);
@@ -103,6 +123,14 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
             m_feedback->startLoad(false);
         }
     });
+    // The chosen build's notes, review and usage follow the choice in the list.
+    connect(this, &TestFlightViewModel::selectedBuildIDChanged, this, [this] {
+        for (const ManagedBuild& build : std::as_const(m_builds)) {
+            if (build.id == m_selectedBuildID) {
+                m_buildDetail->showBuild(build.id, build.buildNumber);
+            }
+        }
+    });
 }
 
 TestFlightViewModel::~TestFlightViewModel() = default;
@@ -121,6 +149,10 @@ void TestFlightViewModel::selectTab(int tab) {
     }
     m_selectedTab = tab;
     Q_EMIT selectedTabChanged();
+    // The builds are asked for when their tab is first shown.
+    if (tab == BuildsTab && !m_haveLoadedBuilds && !m_loadingBuilds->isBusy()) {
+        startLoadBuilds(false);
+    }
 }
 
 QStringList TestFlightViewModel::tabTitles() {
@@ -193,6 +225,9 @@ void TestFlightViewModel::publishGroups() {
                      group.name + u", "_s + kind + (detail.isEmpty() ? QString() : u", "_s + detail)});
     }
     m_groupRows->setRows(rows);
+    if (m_haveLoadedBuilds) {
+        publishBuilds();
+    }
 }
 
 void TestFlightViewModel::publishTesters() {
@@ -846,4 +881,338 @@ QCoro::Task<> TestFlightViewModel::saveGroupSettings() {
 
 void TestFlightViewModel::startSaveGroupSettings() {
     QCoro::connect(saveGroupSettings(), this, [] {});
+}
+
+// --- Builds ---------------------------------------------------------------------------------
+
+bool TestFlightViewModel::isLoadingBuilds() const {
+    return m_loadingBuilds->isBusy();
+}
+
+QString TestFlightViewModel::buildsError() const {
+    return m_loadingBuilds->errorText();
+}
+
+std::optional<ManagedBuildBetaDetail> TestFlightViewModel::betaDetail(const QString& buildID) const {
+    const auto it = m_betaDetails.constFind(buildID);
+    return it == m_betaDetails.cend() ? std::nullopt : std::optional<ManagedBuildBetaDetail>(*it);
+}
+
+QList<StatItem> TestFlightViewModel::stats() const {
+    const QString none = u"–"_s;
+    std::optional<QDateTime> first;
+    std::optional<QDateTime> last;
+    int expiringSoon = 0;
+    int expired = 0;
+    const QDateTime current = now();
+    for (const auto& build : m_builds) {
+        if (build.uploadedDate) {
+            if (!first || *build.uploadedDate < *first) {
+                first = build.uploadedDate;
+            }
+            if (!last || *build.uploadedDate > *last) {
+                last = build.uploadedDate;
+            }
+        }
+        if (build.isExpired) {
+            ++expired;
+        } else if (build.expirationDate && current.secsTo(*build.expirationDate) < expiringSoonSeconds) {
+            ++expiringSoon;
+        }
+    }
+    const auto external = std::count_if(m_groups.cbegin(), m_groups.cend(),
+                                        [](const ManagedBetaGroup& g) { return !g.isInternal; });
+    return {
+        {u"Builds"_s, QString::number(m_builds.size())},
+        {u"Gruppen"_s, QString::number(m_groups.size())},
+        {u"Erster Build"_s, first ? shortDate(*first) : none},
+        {u"Letzter Build"_s, last ? shortDate(*last) : none},
+        {u"Laufen bald ab"_s, QString::number(expiringSoon)},
+        {u"Abgelaufen"_s, QString::number(expired)},
+        {u"Externe Gruppen"_s, QString::number(external)},
+    };
+}
+
+void TestFlightViewModel::publishBuilds() {
+    QList<RowListModel::Row> rows;
+    rows.reserve(m_builds.size());
+    for (const auto& build : m_builds) {
+        const auto detail = betaDetail(build.id);
+        // While the details are under way a build shows that its state is coming; one Apple
+        // left without an answer shows the dash.
+        const QString pending = m_areDetailsLoading ? u"…"_s : u"–"_s;
+        const QString internal = detail ? detail->internalState() : pending;
+        const QString external = detail ? detail->externalState() : pending;
+        const QString uploaded =
+            build.uploadedDate ? u"hochgeladen am "_s + shortDate(*build.uploadedDate) : QString();
+        QString expiry;
+        if (build.isExpired) {
+            expiry = u"abgelaufen"_s;
+        } else if (build.expirationDate) {
+            expiry = u"läuft ab am "_s + shortDate(*build.expirationDate);
+        }
+        rows.append({build.id, u"Build "_s + build.buildNumber, uploaded, expiry, u"Intern: "_s + internal,
+                     u"Extern: "_s + external, build.id == m_selectedBuildID,
+                     u"Build "_s + build.buildNumber + u", intern "_s + internal + u", extern "_s + external +
+                         (expiry.isEmpty() ? QString() : u", "_s + expiry)});
+    }
+    m_buildRows->setRows(rows);
+    QList<RowListModel::Row> statRows;
+    for (const auto& item : stats()) {
+        statRows.append({item.label, item.value});
+    }
+    m_statRows->setRows(statRows);
+}
+
+QCoro::Task<> TestFlightViewModel::loadBuilds(bool forceRefresh, bool includeBetaDetails) {
+    QPointer<TestFlightViewModel> self(this);
+    auto run = m_loadingBuilds->start();
+    m_haveLoadedBuilds = true;
+    const QString appID = m_app.id;
+    if (isDemo()) {
+        m_builds = MockData::builds(appID, now());
+        m_betaDetails.clear();
+        if (includeBetaDetails) {
+            for (const auto& build : m_builds) {
+                m_betaDetails.insert(build.id, MockData::buildBetaDetail(build.id));
+            }
+        }
+        publishBuilds();
+        run.succeed();
+        co_return;
+    }
+    const auto account = m_state.accountStore().selectedAccount();
+    if (!account) {
+        run.fail(VelmoraAPIError::notConfigured().errorDescription());
+        co_return;
+    }
+    std::shared_ptr<AppStoreConnectClient> client;
+    try {
+        client = co_await m_state.accountStore().makeClient(*account);
+        if (!run) {
+            co_return;
+        }
+        auto builds = co_await m_state.buildsService().builds(appID, client, forceRefresh);
+        if (!run) {
+            co_return;
+        }
+        m_builds = builds;
+    } catch (const std::exception& error) {
+        run.fail(u"Builds konnten nicht geladen werden"_s, error);
+        co_return;
+    }
+    m_betaDetails.clear();
+    m_areDetailsLoading = includeBetaDetails && !m_builds.isEmpty();
+    publishBuilds();
+    if (!m_areDetailsLoading) {
+        run.succeed();
+        co_return;
+    }
+    QStringList ids;
+    for (const auto& build : m_builds) {
+        ids.append(build.id);
+    }
+    // Each answer fills its row at once; a newer load makes the rest of this one land nowhere.
+    const quint64 generation = m_loadingBuilds->generation();
+    auto onDetail = [self, generation](const QString& buildID, const ManagedBuildBetaDetail& detail) {
+        if (!self || self->m_loadingBuilds->generation() != generation) {
+            return;
+        }
+        self->m_betaDetails.insert(buildID, detail);
+        self->publishBuilds();
+    };
+    try {
+        co_await m_state.testFlightService().buildBetaDetails(ids, client, onDetail);
+    } catch (const std::exception& error) {
+        if (self && run) {
+            m_areDetailsLoading = false;
+            publishBuilds();
+        }
+        run.fail(u"Beta-Status konnte nicht geladen werden"_s, error);
+        co_return;
+    }
+    if (!run) {
+        co_return;
+    }
+    m_areDetailsLoading = false;
+    publishBuilds();
+    run.succeed();
+}
+
+void TestFlightViewModel::startLoadBuilds(bool forceRefresh) {
+    QCoro::connect(loadBuilds(forceRefresh, true), this, [] {});
+}
+
+void TestFlightViewModel::selectBuild(const QString& buildID) {
+    if (m_selectedBuildID == buildID) {
+        return;
+    }
+    m_selectedBuildID = buildID;
+    Q_EMIT selectedBuildIDChanged();
+    publishBuilds();
+}
+
+// --- Assignment of a build to groups --------------------------------------------------------
+
+QString TestFlightViewModel::assignmentBuildID() const {
+    return m_buildForAssignment ? m_buildForAssignment->id : QString();
+}
+
+QString TestFlightViewModel::assignmentTitle() const {
+    return m_buildForAssignment ? u"Build "_s + m_buildForAssignment->buildNumber + u" in Gruppen"_s
+                                : QString();
+}
+
+bool TestFlightViewModel::isLoadingAssignment() const {
+    return m_assignment->isBusy();
+}
+
+QString TestFlightViewModel::assignmentError() const {
+    return m_assignment->errorText();
+}
+
+void TestFlightViewModel::setPendingGroupID(std::optional<QString> groupID) {
+    if (m_pendingGroupID != groupID) {
+        m_pendingGroupID = std::move(groupID);
+        Q_EMIT pendingGroupIDChanged();
+        publishAssignment();
+    }
+}
+
+void TestFlightViewModel::publishAssignment() {
+    QList<RowListModel::Row> rows;
+    if (m_buildForAssignment && !m_assignment->isBusy()) {
+        for (const auto& group : m_groups) {
+            const bool assigned = m_assignedGroupIDs.contains(group.id);
+            rows.append({group.id, group.name, assigned, m_pendingGroupID == group.id,
+                         group.name + (assigned ? u", zugewiesen"_s : u", nicht zugewiesen"_s)});
+        }
+    }
+    m_assignmentRows->setRows(rows);
+}
+
+QCoro::Task<> TestFlightViewModel::beginAssigningGroups(QString buildID) {
+    QPointer<TestFlightViewModel> self(this);
+    std::optional<ManagedBuild> build;
+    for (const auto& candidate : m_builds) {
+        if (candidate.id == buildID) {
+            build = candidate;
+        }
+    }
+    if (!build) {
+        co_return;
+    }
+    m_buildForAssignment = build;
+    m_assignedGroupIDs.clear();
+    setPendingGroupID(std::nullopt);
+    Q_EMIT assignmentBuildIDChanged();
+    Q_EMIT assignmentTitleChanged();
+    auto run = m_assignment->start();
+    publishAssignment();
+    co_await loadGroups(false);
+    if (!self || !run) {
+        co_return;
+    }
+    QSet<QString> assigned;
+    if (isDemo()) {
+        for (const auto& group : m_groups) {
+            if (MockData::betaGroupBuildIDs(group.id).contains(buildID)) {
+                assigned.insert(group.id);
+            }
+        }
+    } else {
+        const auto account = m_state.accountStore().selectedAccount();
+        if (!account) {
+            run.fail(VelmoraAPIError::notConfigured().errorDescription());
+            co_return;
+        }
+        try {
+            auto client = co_await m_state.accountStore().makeClient(*account);
+            if (!run) {
+                co_return;
+            }
+            const QList<ManagedBetaGroup> groups = m_groups;
+            for (const auto& group : groups) {
+                const QSet<QString> ids = co_await m_state.testFlightService().buildIDs(group.id, client);
+                if (!run) {
+                    co_return;
+                }
+                if (ids.contains(buildID)) {
+                    assigned.insert(group.id);
+                }
+            }
+        } catch (const std::exception& error) {
+            run.fail(error);
+            co_return;
+        }
+    }
+    m_assignedGroupIDs = assigned;
+    run.succeed();
+    publishAssignment();
+}
+
+QCoro::Task<> TestFlightViewModel::toggleGroupAssignment(QString groupID) {
+    QPointer<TestFlightViewModel> self(this);
+    if (!m_buildForAssignment || m_pendingGroupID) {
+        co_return;
+    }
+    if (auto reason = ensureWritable()) {
+        m_assignment->setError(*reason);
+        co_return;
+    }
+    const QString buildID = m_buildForAssignment->id;
+    const bool wasAssigned = m_assignedGroupIDs.contains(groupID);
+    const auto account = m_state.accountStore().selectedAccount();
+    m_assignment->clearError();
+    setPendingGroupID(groupID);
+    std::optional<QString> failure;
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        if (!self) {
+            co_return;
+        }
+        if (wasAssigned) {
+            co_await m_state.testFlightService().unassignBuild(buildID, groupID, client);
+        } else {
+            co_await m_state.testFlightService().assignBuild(buildID, groupID, client);
+        }
+    } catch (const std::exception& error) {
+        failure = describeError(error);
+    }
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        m_assignment->setError(*failure);
+    } else if (assignmentBuildID() == buildID) {
+        if (wasAssigned) {
+            m_assignedGroupIDs.remove(groupID);
+        } else {
+            m_assignedGroupIDs.insert(groupID);
+        }
+    }
+    setPendingGroupID(std::nullopt);
+    publishAssignment();
+}
+
+void TestFlightViewModel::startAssigningGroups(const QString& buildID) {
+    QCoro::connect(beginAssigningGroups(buildID), this, [] {});
+}
+
+void TestFlightViewModel::startToggleGroupAssignment(const QString& groupID) {
+    QCoro::connect(toggleGroupAssignment(groupID), this, [] {});
+}
+
+void TestFlightViewModel::endAssigningGroups() {
+    if (!m_buildForAssignment) {
+        return;
+    }
+    m_assignment->abandon();
+    m_assignment->clearError();
+    m_buildForAssignment.reset();
+    m_assignedGroupIDs.clear();
+    setPendingGroupID(std::nullopt);
+    Q_EMIT assignmentBuildIDChanged();
+    Q_EMIT assignmentTitleChanged();
+    publishAssignment();
 }

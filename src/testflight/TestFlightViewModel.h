@@ -3,10 +3,14 @@
 #include "api/PendingWrite.h"
 #include "testflight/ManagedBetaGroup.h"
 #include "testflight/ManagedBetaTester.h"
+#include "testflight/ManagedBuild.h"
+#include "testflight/ManagedBuildBetaDetail.h"
 #include "workspace/ManagedApp.h"
 
 #include <QCoro/QCoroTask>
+#include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 
 #include <optional>
@@ -17,6 +21,13 @@ class BetaBuildDetailViewModel;
 class BetaFeedbackViewModel;
 class ModelOperation;
 class RowListModel;
+
+// One figure of the row above the builds.
+struct StatItem {
+    QString label;
+    QString value;
+    friend bool operator==(const StatItem&, const StatItem&) = default;
+};
 
 // The TestFlight screen of one app: its groups and the testers of the chosen group, the builds
 // with their beta state, the import of testers from a file and the assignment of builds to
@@ -43,6 +54,18 @@ class TestFlightViewModel : public QObject {
     Q_PROPERTY(bool isLoadingTesters READ isLoadingTesters NOTIFY isLoadingTestersChanged)
     Q_PROPERTY(QString testersError READ testersError NOTIFY testersErrorChanged)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
+    Q_PROPERTY(RowListModel* builds READ buildRows CONSTANT)
+    Q_PROPERTY(bool isLoadingBuilds READ isLoadingBuilds NOTIFY isLoadingBuildsChanged)
+    Q_PROPERTY(QString buildsError READ buildsError NOTIFY buildsErrorChanged)
+    Q_PROPERTY(RowListModel* stats READ statRows CONSTANT)
+    Q_PROPERTY(QString selectedBuildID READ selectedBuildID NOTIFY selectedBuildIDChanged)
+    // The assignment of one build to groups: open while `assignmentBuildID` is not empty.
+    Q_PROPERTY(QString assignmentBuildID READ assignmentBuildID NOTIFY assignmentBuildIDChanged)
+    Q_PROPERTY(QString assignmentTitle READ assignmentTitle NOTIFY assignmentTitleChanged)
+    Q_PROPERTY(RowListModel* assignmentGroups READ assignmentRows CONSTANT)
+    Q_PROPERTY(bool isLoadingAssignment READ isLoadingAssignment NOTIFY isLoadingAssignmentChanged)
+    Q_PROPERTY(QString assignmentError READ assignmentError NOTIFY assignmentErrorChanged)
+    Q_PROPERTY(QString pendingGroupID READ pendingGroupIDText NOTIFY pendingGroupIDChanged)
     Q_PROPERTY(QString groupActionError READ groupActionError NOTIFY groupActionErrorChanged)
     Q_PROPERTY(bool isAddingTester READ isAddingTester WRITE setAddingTester NOTIFY isAddingTesterChanged)
     Q_PROPERTY(
@@ -95,6 +118,29 @@ public:
     };
     // The roles of `testers`, in this order.
     enum TesterColumn { TesterId, TesterName, TesterEmail, TesterState, TesterAccessibleName };
+    // The roles of `builds`, in this order.
+    enum BuildColumn {
+        BuildId,
+        BuildNumber,
+        BuildUploaded,
+        BuildExpiry,
+        BuildInternalState,
+        BuildExternalState,
+        BuildIsSelected,
+        BuildAccessibleName
+    };
+    // The roles of `stats`, in this order.
+    enum StatColumn { StatLabel, StatValue };
+    // The roles of `assignmentGroups`, in this order.
+    enum AssignmentColumn {
+        AssignmentGroupId,
+        AssignmentName,
+        AssignmentIsAssigned,
+        AssignmentIsPending,
+        AssignmentAccessibleName
+    };
+    // A build expiring within this many seconds counts as expiring soon.
+    static constexpr qint64 expiringSoonSeconds = 14 * 24 * 60 * 60;
 
     TestFlightViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
     ~TestFlightViewModel() override;
@@ -118,6 +164,22 @@ public:
     bool isLoadingTesters() const;
     QString testersError() const;
     const QString& statusMessage() const { return m_statusMessage; }
+    const QList<ManagedBuild>& builds() const { return m_builds; }
+    bool isLoadingBuilds() const;
+    QString buildsError() const;
+    const QHash<QString, ManagedBuildBetaDetail>& betaDetailsByBuildID() const { return m_betaDetails; }
+    std::optional<ManagedBuildBetaDetail> betaDetail(const QString& buildID) const;
+    // The row of figures over the builds, in its order.
+    QList<StatItem> stats() const;
+    const QString& selectedBuildID() const { return m_selectedBuildID; }
+    const std::optional<ManagedBuild>& buildForAssignment() const { return m_buildForAssignment; }
+    QString assignmentBuildID() const;
+    QString assignmentTitle() const;
+    const QSet<QString>& assignedGroupIDs() const { return m_assignedGroupIDs; }
+    bool isLoadingAssignment() const;
+    QString assignmentError() const;
+    const std::optional<QString>& pendingGroupID() const { return m_pendingGroupID; }
+    QString pendingGroupIDText() const { return m_pendingGroupID.value_or(QString()); }
     QString groupActionError() const;
     bool isAddingTester() const { return m_isAddingTester; }
     void setAddingTester(bool on);
@@ -157,6 +219,9 @@ public:
 
     RowListModel* groupRows() const { return m_groupRows; }
     RowListModel* testerRows() const { return m_testerRows; }
+    RowListModel* buildRows() const { return m_buildRows; }
+    RowListModel* statRows() const { return m_statRows; }
+    RowListModel* assignmentRows() const { return m_assignmentRows; }
     BetaAppInfoViewModel* appInfo() const { return m_appInfo; }
     BetaFeedbackViewModel* feedback() const { return m_feedback; }
     BetaBuildDetailViewModel* buildDetail() const { return m_buildDetail; }
@@ -168,6 +233,17 @@ public:
     QCoro::Task<> load(bool forceRefresh);
     Q_INVOKABLE void startLoad(bool forceRefresh);
     Q_INVOKABLE void selectGroup(const QString& groupID);
+    // The builds, and with `includeBetaDetails` each build's beta state after the list has come,
+    // filled in as the answers arrive.
+    QCoro::Task<> loadBuilds(bool forceRefresh, bool includeBetaDetails);
+    Q_INVOKABLE void startLoadBuilds(bool forceRefresh);
+    Q_INVOKABLE void selectBuild(const QString& buildID);
+    QCoro::Task<> beginAssigningGroups(QString buildID);
+    // Assigns the build to the group or takes it out; a failure leaves the assignment as it was.
+    QCoro::Task<> toggleGroupAssignment(QString groupID);
+    Q_INVOKABLE void startAssigningGroups(const QString& buildID);
+    Q_INVOKABLE void startToggleGroupAssignment(const QString& groupID);
+    Q_INVOKABLE void endAssigningGroups();
     Q_INVOKABLE void cancelPendingWrite();
     Q_INVOKABLE void confirmPendingWrite();
 
@@ -209,6 +285,14 @@ Q_SIGNALS:
     void testersErrorChanged();
     void statusMessageChanged();
     void pendingWriteChanged();
+    void isLoadingBuildsChanged();
+    void buildsErrorChanged();
+    void selectedBuildIDChanged();
+    void assignmentBuildIDChanged();
+    void assignmentTitleChanged();
+    void isLoadingAssignmentChanged();
+    void assignmentErrorChanged();
+    void pendingGroupIDChanged();
     void groupActionErrorChanged();
     void isAddingTesterChanged();
     void newTesterEmailChanged();
@@ -238,6 +322,9 @@ private:
     void setSelectedGroup(std::optional<ManagedBetaGroup> group);
     void publishGroups();
     void publishTesters();
+    void publishBuilds();
+    void publishAssignment();
+    void setPendingGroupID(std::optional<QString> groupID);
     // The gate of a write in its order; the text that stops it, or none.
     std::optional<QString> ensureWritable() const;
     // Shows the write on the sheet (the window's presenter listens).
@@ -259,8 +346,14 @@ private:
     // Its error text is `addTesterError`.
     ModelOperation* m_savingTester;
     ModelOperation* m_savingGroup;
+    ModelOperation* m_loadingBuilds;
+    // Its error text is `assignmentError`.
+    ModelOperation* m_assignment;
     RowListModel* m_groupRows;
     RowListModel* m_testerRows;
+    RowListModel* m_buildRows;
+    RowListModel* m_statRows;
+    RowListModel* m_assignmentRows;
     int m_selectedTab = GroupsTab;
     QList<ManagedBetaGroup> m_groups;
     std::optional<ManagedBetaGroup> m_selectedGroup;
@@ -276,6 +369,14 @@ private:
     // The sheet's edits of `m_groupForSettings`.
     ManagedBetaGroup m_settings;
     std::optional<PendingWrite> m_pendingWrite;
+    QList<ManagedBuild> m_builds;
+    bool m_haveLoadedBuilds = false;
+    bool m_areDetailsLoading = false;
+    QHash<QString, ManagedBuildBetaDetail> m_betaDetails;
+    QString m_selectedBuildID;
+    std::optional<ManagedBuild> m_buildForAssignment;
+    QSet<QString> m_assignedGroupIDs;
+    std::optional<QString> m_pendingGroupID;
     BetaAppInfoViewModel* m_appInfo;
     BetaFeedbackViewModel* m_feedback;
     BetaBuildDetailViewModel* m_buildDetail;

@@ -46,6 +46,17 @@ QByteArray testersPage() {
     });
 }
 
+QJsonObject build(const QString& id, const QString& version, const QDateTime& uploaded,
+                  const std::optional<QDateTime>& expires, bool expired) {
+    QJsonObject attributes{{u"version"_s, version},
+                           {u"uploadedDate"_s, uploaded.toString(Qt::ISODate)},
+                           {u"expired"_s, expired}};
+    if (expires) {
+        attributes.insert(u"expirationDate"_s, expires->toString(Qt::ISODate));
+    }
+    return resource(u"builds"_s, id, attributes);
+}
+
 struct Fixture : TestPlatform {
     std::unique_ptr<AppState> state;
     std::unique_ptr<TestFlightViewModel> model;
@@ -54,8 +65,9 @@ struct Fixture : TestPlatform {
     Fixture() {
         state = std::make_unique<AppState>(platform(), AppState::Options{settings});
         model = std::make_unique<TestFlightViewModel>(*state, testApp());
-        for (QAbstractItemModel* list :
-             std::initializer_list<QAbstractItemModel*>{model->groupRows(), model->testerRows()}) {
+        for (QAbstractItemModel* list : std::initializer_list<QAbstractItemModel*>{
+                 model->groupRows(), model->testerRows(), model->buildRows(), model->statRows(),
+                 model->assignmentRows()}) {
             listTesters.push_back(std::make_unique<QAbstractItemModelTester>(
                 list, QAbstractItemModelTester::FailureReportingMode::QtTest));
         }
@@ -189,6 +201,126 @@ private Q_SLOTS:
         QCOMPARE(f.model->testerRows()->count(), selectedAfter.isEmpty() ? 0 : 2);
         QCOMPARE(f.model->statusMessage(),
                  u"Gruppe „"_s + (groupID == u"g-ext"_s ? u"Freunde"_s : u"Team"_s) + u"“ gelöscht."_s);
+        QCOMPARE(f.writes(), 1);
+    }
+
+    // "Laufen bald ab" counts what expires in less than 14 days from the clock's now and has not
+    // expired yet; an expired build counts only under "Abgelaufen", whatever its date says.
+    void statsCountExpiry_data() {
+        QTest::addColumn<std::optional<qint64>>("expiresInHours");
+        QTest::addColumn<bool>("expired");
+        QTest::addColumn<QString>("soon");
+        QTest::addColumn<QString>("gone");
+        QTest::newRow("13 days") << std::optional<qint64>(13 * 24) << false << u"1"_s << u"0"_s;
+        QTest::newRow("one hour short of 14 days")
+            << std::optional<qint64>(14 * 24 - 1) << false << u"1"_s << u"0"_s;
+        QTest::newRow("15 days") << std::optional<qint64>(15 * 24) << false << u"0"_s << u"0"_s;
+        QTest::newRow("expired, date ahead") << std::optional<qint64>(3 * 24) << true << u"0"_s << u"1"_s;
+        QTest::newRow("no expiry date") << std::optional<qint64>() << false << u"0"_s << u"0"_s;
+    }
+
+    void statsCountExpiry() {
+        QFETCH(std::optional<qint64>, expiresInHours);
+        QFETCH(bool, expired);
+        QFETCH(QString, soon);
+        QFETCH(QString, gone);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        const QDateTime now = f.clock->now();
+        const auto expires =
+            expiresInHours ? std::optional<QDateTime>(now.addSecs(*expiresInHours * 3600)) : std::nullopt;
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-2"_s, u"12"_s, now.addDays(-2), expires, expired),
+                                     build(u"b-1"_s, u"11"_s, now.addDays(-40), std::nullopt, false)}))});
+        f.load();
+        VarnisTest::awaitTask(f.model->loadBuilds(true, false));
+        QList<StatItem> expected{{u"Builds"_s, u"2"_s},
+                                 {u"Gruppen"_s, u"2"_s},
+                                 {u"Erster Build"_s, u"6. Dez. 2025"_s},
+                                 {u"Letzter Build"_s, u"13. Jan. 2026"_s},
+                                 {u"Laufen bald ab"_s, soon},
+                                 {u"Abgelaufen"_s, gone},
+                                 {u"Externe Gruppen"_s, u"1"_s}};
+        QCOMPARE(f.model->stats(), expected);
+        QCOMPARE(f.model->statRows()->count(), 7);
+        QCOMPARE(f.model->statRows()->value(4, TestFlightViewModel::StatValue).toString(), soon);
+    }
+
+    // Beta states fill in per build as they come; one Apple does not answer shows the dash.
+    void betaDetailsFillTheRows() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        const QDateTime now = f.clock->now();
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-2"_s, u"12"_s, now, std::nullopt, false),
+                                     build(u"b-1"_s, u"11"_s, now.addDays(-1), std::nullopt, false)}))});
+        f.transport->script("GET", u"/v1/builds/b-2/buildBetaDetail"_s,
+                            {Answer::json(200, JsonApi::single(resource(
+                                                   u"buildBetaDetails"_s, u"b-2"_s,
+                                                   {{u"internalBuildState"_s, u"IN_BETA_TESTING"_s}})))});
+        f.transport->script("GET", u"/v1/builds/b-1/buildBetaDetail"_s,
+                            {Answer::json(404, JsonApi::error(u"404"_s, u"Nicht da."_s))});
+        VarnisTest::awaitTask(f.model->loadBuilds(true, true));
+        QCOMPARE(f.model->betaDetailsByBuildID().size(), 1);
+        QCOMPARE(f.model->buildRows()->value(0, TestFlightViewModel::BuildInternalState).toString(),
+                 u"Intern: Im Beta-Test"_s);
+        QCOMPARE(f.model->buildRows()->value(0, TestFlightViewModel::BuildExternalState).toString(),
+                 u"Extern: –"_s);
+        QCOMPARE(f.model->buildRows()->value(1, TestFlightViewModel::BuildInternalState).toString(),
+                 u"Intern: –"_s);
+    }
+
+    // The build is in "Freunde" and not in "Team"; a toggle that Apple refuses leaves the set
+    // as it was, one it takes changes it, and the mark of the group under way is gone after both.
+    void assignmentFollowsApple_data() {
+        QTest::addColumn<QString>("groupID");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("assignedAfter");
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("assign refused") << u"g-int"_s << 409 << QStringList{u"g-ext"_s} << true;
+        QTest::newRow("assign") << u"g-int"_s << 204 << QStringList{u"g-ext"_s, u"g-int"_s} << false;
+        QTest::newRow("withdraw refused") << u"g-ext"_s << 403 << QStringList{u"g-ext"_s} << true;
+        QTest::newRow("withdraw") << u"g-ext"_s << 204 << QStringList{} << false;
+    }
+
+    void assignmentFollowsApple() {
+        QFETCH(QString, groupID);
+        QFETCH(int, status);
+        QFETCH(QStringList, assignedAfter);
+        QFETCH(bool, fails);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-1"_s, u"11"_s, f.clock->now(), std::nullopt, false)}))});
+        f.transport->script(
+            "GET", u"/v1/betaGroups/g-ext/relationships/builds"_s,
+            {Answer::json(200, page({QJsonObject{{u"type"_s, u"builds"_s}, {u"id"_s, u"b-1"_s}}}))});
+        f.transport->script("GET", u"/v1/betaGroups/g-int/relationships/builds"_s,
+                            {Answer::json(200, page({}))});
+        const QByteArray body =
+            status >= 400 ? JsonApi::error(QString::number(status), u"Nein."_s) : QByteArray();
+        f.transport->script(groupID == u"g-ext"_s ? "DELETE" : "POST",
+                            u"/v1/betaGroups/"_s + groupID + u"/relationships/builds"_s,
+                            {Answer::json(status, body)});
+        f.load();
+        VarnisTest::awaitTask(f.model->loadBuilds(true, false));
+        VarnisTest::awaitTask(f.model->beginAssigningGroups(u"b-1"_s));
+        QCOMPARE(f.model->assignedGroupIDs(), QSet<QString>{u"g-ext"_s});
+        QCOMPARE(f.model->assignmentRows()->count(), 2);
+
+        VarnisTest::awaitTask(f.model->toggleGroupAssignment(groupID));
+        QCOMPARE(f.model->assignedGroupIDs(), QSet<QString>(assignedAfter.cbegin(), assignedAfter.cend()));
+        QCOMPARE(f.model->assignmentError().isEmpty(), !fails);
+        QCOMPARE(f.model->pendingGroupID(), std::nullopt);
+        const int row = f.model->assignmentRows()->indexOfKey(groupID);
+        QCOMPARE(f.model->assignmentRows()->value(row, TestFlightViewModel::AssignmentIsAssigned).toBool(),
+                 assignedAfter.contains(groupID));
         QCOMPARE(f.writes(), 1);
     }
 };

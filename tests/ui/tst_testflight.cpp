@@ -92,6 +92,39 @@ private Q_SLOTS:
         QVERIFY(findText(mainWindow(), m_model->statusMessage()));
         QCOMPARE(m_model->groups().size(), 2);
     }
+
+    void buildsTabShowsTheFigures() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(clickNamed(mainWindow(), u"testFlightTab_1"_s));
+        QTRY_COMPARE(m_model->selectedTab(), int(TestFlightViewModel::BuildsTab));
+        QTRY_COMPARE(m_model->builds().size(), 3);
+        QVERIFY(findItem(mainWindow(), u"statsRow"_s));
+        const QList<StatItem> stats = m_model->stats();
+        QCOMPARE(stats.size(), 7);
+        for (qsizetype i = 0; i < stats.size(); ++i) {
+            QQuickItem* stat = findItem(mainWindow(), u"stat_"_s + QString::number(i));
+            QVERIFY(stat);
+            QCOMPARE(stat->property("label").toString(), stats[i].label);
+            QCOMPARE(stat->property("value").toString(), stats[i].value);
+        }
+        QCOMPARE(stats[0].value, u"3"_s);
+        QVERIFY(findText(mainWindow(), u"Laufen bald ab"_s));
+        const QString newest = m_model->builds().first().id;
+        QVERIFY(findItem(mainWindow(), u"build_"_s + newest));
+        QVERIFY(findText(mainWindow(), u"Intern: "_s + m_model->betaDetail(newest)->internalState()));
+        shoot(mainWindow(), u"testflight-builds"_s);
+
+        QVERIFY(clickNamed(mainWindow(), u"assignGroups_"_s + newest));
+        QTRY_COMPARE(m_model->assignmentBuildID(), newest);
+        QTRY_VERIFY(findItem(mainWindow(), u"assign_"_s + m_model->groups().at(0).id));
+        QVERIFY(clickNamed(mainWindow(), u"assign_"_s + m_model->groups().at(0).id));
+        QTRY_COMPARE(m_model->assignmentError(), WriteGate::demoMessage());
+        QVERIFY(clickNamed(mainWindow(), u"closeAssignmentButton"_s));
+        QTRY_COMPARE(m_model->assignmentBuildID(), QString());
+    }
 };
 
 QTEST_MAIN(TestFlightUiTest)
