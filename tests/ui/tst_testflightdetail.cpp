@@ -77,6 +77,43 @@ private Q_SLOTS:
         QVERIFY(findText(mainWindow(), info->saveStatus()));
     }
 
+    // A build chosen in the list shows its notes, review and usage; typed notes go to the sheet
+    // with before and after, and the demo sends nothing.
+    void buildNotesThroughTheSheet() {
+        openTab(TestFlightViewModel::BuildsTab);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QTRY_COMPARE(m_model->builds().size(), 3);
+        const ManagedBuild build = m_model->builds().first();
+        QVERIFY(clickNamed(mainWindow(), u"build_"_s + build.id));
+        BetaBuildDetailViewModel* detail = m_model->buildDetail();
+        QTRY_COMPARE(detail->buildID(), build.id);
+        QTRY_COMPARE(detail->localizations().size(), 2);
+        QVERIFY(findText(mainWindow(), u"Build "_s + build.buildNumber));
+        QVERIFY(findText(mainWindow(), detail->reviewText()));
+        QVERIFY(findText(mainWindow(), detail->usageText()));
+
+        QQuickItem* notes = findItem(mainWindow(), u"testNotes_de-DE"_s);
+        QVERIFY(notes);
+        const QString before = notes->property("text").toString();
+        click(notes);
+        QTRY_VERIFY(notes->hasActiveFocus());
+        QTest::keyClick(mainWindow(), Qt::Key_End, Qt::ControlModifier);
+        typeText(mainWindow(), u" Auch Dunkelmodus."_s);
+        QTRY_COMPARE(detail->localizations().first().whatsNew, before + u" Auch Dunkelmodus."_s);
+        QCOMPARE(findItem(mainWindow(), u"testNotes_de-DE"_s), notes);
+        QVERIFY(clickNamed(mainWindow(), u"saveTestNotesButton"_s));
+        QTRY_VERIFY(m_shell->writeConfirmation()->isPresented());
+        QCOMPARE(m_shell->writeConfirmation()->title(), u"Testhinweise speichern"_s);
+        QVERIFY(findText(mainWindow(), before + u" Auch Dunkelmodus."_s));
+        shoot(mainWindow(), u"testflight-build-notes-sheet"_s);
+        QVERIFY(clickNamed(mainWindow(), u"confirmWriteButton"_s));
+        QTRY_COMPARE(detail->saveStatus(),
+                     u"Demo-Modus: „Testhinweise speichern“ wurde nur angezeigt – an Apple ging nichts."_s);
+        QVERIFY(findText(mainWindow(), detail->saveStatus()));
+    }
+
     // The filter narrows the list; a crash shows its log on request.
     void feedbackFilterAndCrashLog() {
         openTab(TestFlightViewModel::FeedbackTab);
