@@ -24,8 +24,9 @@ ColumnLayout {
                 required property bool isSelected
                 objectName: "feedbackKind_" + kindKey
                 text: label
-                checkable: true
-                checked: isSelected
+                highlighted: isSelected
+                Accessible.checkable: true
+                Accessible.checked: isSelected
                 onClicked: tab.feedback.selectKind(kindKey)
             }
         }
