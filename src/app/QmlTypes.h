@@ -14,6 +14,10 @@
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
 #include "testflight/BulkActionsViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -76,6 +80,34 @@ struct VersionsListViewModelForeign {
     Q_GADGET
     QML_FOREIGN(VersionsListViewModel)
     QML_NAMED_ELEMENT(VersionsListViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct TestFlightViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(TestFlightViewModel)
+    QML_NAMED_ELEMENT(TestFlightViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BetaBuildDetailViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaBuildDetailViewModel)
+    QML_NAMED_ELEMENT(BetaBuildDetailViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BetaAppInfoViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaAppInfoViewModel)
+    QML_NAMED_ELEMENT(BetaAppInfoViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BetaFeedbackViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaFeedbackViewModel)
+    QML_NAMED_ELEMENT(BetaFeedbackViewModel)
     QML_UNCREATABLE("made by the application")
 };
 

@@ -3,6 +3,9 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "workspace/OverviewViewModel.h"
 #include "workspace/SectionRegistry.h"
 
@@ -52,5 +55,14 @@ SectionRegistry makeSectionRegistry() {
                       return new VersionsListViewModel(context.state, context.app, context.parent);
                   },
                   startLoading<VersionsListViewModel>});
+    registry.add({SidebarSection::TestFlight, QUrl(u"qrc:/qt/qml/Varnis/TestFlight/TestFlightPage.qml"_s),
+                  [](const SectionContext& context) -> QObject* {
+                      auto* model = new TestFlightViewModel(context.state, context.app, context.parent);
+                      presentWritesOf(model, context.presenter);
+                      presentWritesOf(model->appInfo(), context.presenter);
+                      presentWritesOf(model->buildDetail(), context.presenter);
+                      return model;
+                  },
+                  startLoading<TestFlightViewModel>});
     return registry;
 }

@@ -8,6 +8,10 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/TestFlightViewModel.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppWindowViewModel.h"
 #include "workspace/BackgroundSettingsViewModel.h"
@@ -173,9 +177,13 @@ private Q_SLOTS:
             &SectionHost::staticMetaObject,
             &MetadataViewModel::staticMetaObject,
             &VersionsListViewModel::staticMetaObject,
+            &TestFlightViewModel::staticMetaObject,
             &OverviewViewModel::staticMetaObject,
             &AppWindowViewModel::staticMetaObject,
             &ChangeLogViewModel::staticMetaObject,
+            &BetaBuildDetailViewModel::staticMetaObject,
+            &BetaAppInfoViewModel::staticMetaObject,
+            &BetaFeedbackViewModel::staticMetaObject,
         };
         for (const QMetaObject* type : types) {
             QTest::newRow(type->className()) << type;

@@ -1,0 +1,329 @@
+#include "api/AccountStore.h"
+#include "api/RowListModel.h"
+#include "fixtures/JsonApi.h"
+#include "support/AwaitTask.h"
+#include "support/FakeTransport.h"
+#include "support/TestKeys.h"
+#include "support/TestPlatform.h"
+#include "testflight/TestFlightViewModel.h"
+#include "workspace/AppState.h"
+#include "workspace/MockData.h"
+
+#include <QAbstractItemModelTester>
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Answer = FakeTransport::Answer;
+using JsonApi::page;
+using JsonApi::resource;
+
+ManagedApp testApp() {
+    ManagedApp app;
+    app.id = u"app-1"_s;
+    app.name = u"Kladde"_s;
+    app.bundleID = u"com.example.kladde"_s;
+    return app;
+}
+
+QByteArray groupsPage() {
+    return page(QJsonArray{
+        resource(u"betaGroups"_s, u"g-ext"_s, {{u"name"_s, u"Freunde"_s}, {u"isInternalGroup"_s, false}}),
+        resource(u"betaGroups"_s, u"g-int"_s, {{u"name"_s, u"Team"_s}, {u"isInternalGroup"_s, true}}),
+    });
+}
+
+QByteArray testersPage() {
+    return page(QJsonArray{
+        resource(u"betaTesters"_s, u"t-1"_s,
+                 {{u"firstName"_s, u"Anna"_s}, {u"email"_s, u"anna@example.com"_s}}),
+        resource(u"betaTesters"_s, u"t-2"_s,
+                 {{u"firstName"_s, u"Ben"_s}, {u"email"_s, u"ben@example.com"_s}}),
+    });
+}
+
+QJsonObject build(const QString& id, const QString& version, const QDateTime& uploaded,
+                  const std::optional<QDateTime>& expires, bool expired) {
+    QJsonObject attributes{{u"version"_s, version},
+                           {u"uploadedDate"_s, uploaded.toString(Qt::ISODate)},
+                           {u"expired"_s, expired}};
+    if (expires) {
+        attributes.insert(u"expirationDate"_s, expires->toString(Qt::ISODate));
+    }
+    return resource(u"builds"_s, id, attributes);
+}
+
+struct Fixture : TestPlatform {
+    std::unique_ptr<AppState> state;
+    std::unique_ptr<TestFlightViewModel> model;
+    std::vector<std::unique_ptr<QAbstractItemModelTester>> listTesters;
+
+    Fixture() {
+        state = std::make_unique<AppState>(platform(), AppState::Options{settings});
+        model = std::make_unique<TestFlightViewModel>(*state, testApp());
+        for (QAbstractItemModel* list : std::initializer_list<QAbstractItemModel*>{
+                 model->groupRows(), model->testerRows(), model->buildRows(), model->statRows(),
+                 model->assignmentRows()}) {
+            listTesters.push_back(std::make_unique<QAbstractItemModelTester>(
+                list, QAbstractItemModelTester::FailureReportingMode::QtTest));
+        }
+    }
+
+    void addAccount(bool readOnly = false) {
+        auto task = state->accountStore().addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                                                     u"ABCDE12345"_s, makeTestKey().privateKeyPEM);
+        Account account = VarnisTest::awaitTask(std::move(task));
+        if (readOnly) {
+            account.isReadOnly = true;
+            state->accountStore().updateAccount(account);
+        }
+    }
+
+    // An account whose app has an external group "Freunde" (selected first) with two testers.
+    void scriptGroups() {
+        transport->script("GET", u"/v1/apps/app-1/betaGroups"_s, {Answer::json(200, groupsPage())});
+        transport->script("GET", u"/v1/betaGroups/g-ext/betaTesters"_s, {Answer::json(200, testersPage())});
+        transport->script("GET", u"/v1/betaGroups/g-int/betaTesters"_s, {Answer::json(200, page({}))});
+    }
+
+    void load() { VarnisTest::awaitTask(model->load(true)); }
+
+    int writes() const {
+        int count = 0;
+        for (const auto& request : transport->requests()) {
+            count += request.method != "GET" ? 1 : 0;
+        }
+        return count;
+    }
+};
+
+} // namespace
+
+class TestFlightViewModelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // The gate runs in its order for the writes that act at once and for those with a sheet:
+    // read-only first (even with the demo switch on), then demo, then the missing account.
+    void gateOrder_data() {
+        QTest::addColumn<bool>("account");
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<bool>("demo");
+        QTest::addColumn<QString>("immediate");
+        QTest::addColumn<QString>("sheetBlocked");
+        QTest::newRow("read-only wins over demo")
+            << true << true << true << WriteGate::readOnlyMessage() << WriteGate::readOnlyMessage();
+        QTest::newRow("demo without an account: the sheet is shown")
+            << false << false << true << WriteGate::demoMessage() << QString();
+        QTest::newRow("no account") << false << false << false << WriteGate::noAccountMessage()
+                                    << WriteGate::noAccountMessage();
+    }
+
+    void gateOrder() {
+        QFETCH(bool, account);
+        QFETCH(bool, readOnly);
+        QFETCH(bool, demo);
+        QFETCH(QString, immediate);
+        QFETCH(QString, sheetBlocked);
+        Fixture f;
+        if (account) {
+            f.addAccount(readOnly);
+            f.scriptGroups();
+        }
+        f.state->setDemoModeEnabled(demo);
+        f.load();
+        const QString groupID = f.model->selectedGroupID();
+        const QString testerID = f.model->testers().isEmpty() ? u"t-1"_s : f.model->testers().first().id;
+
+        VarnisTest::awaitTask(f.model->removeTester(testerID));
+        QCOMPARE(f.model->groupActionError(), immediate);
+        VarnisTest::awaitTask(f.model->resendInvitation(testerID));
+        QCOMPARE(f.model->groupActionError(), immediate);
+        f.model->setNewTesterEmail(u"neu@example.com"_s);
+        VarnisTest::awaitTask(f.model->confirmAddTester());
+        QCOMPARE(f.model->addTesterError(), immediate);
+        f.model->setNewGroupName(u"Neu"_s);
+        VarnisTest::awaitTask(f.model->createGroup());
+        QCOMPARE(f.model->groupActionError(), immediate);
+
+        f.model->requestDeleteGroup(groupID.isEmpty() ? u"g-ext"_s : groupID);
+        QCOMPARE(f.model->groupActionError(), sheetBlocked);
+        QCOMPARE(f.model->pendingWrite().has_value(), sheetBlocked.isEmpty());
+        QCOMPARE(f.writes(), 0);
+    }
+
+    // Confirmed in demo mode, the write names itself and nothing leaves the program.
+    void demoConfirmationSendsNothing() {
+        Fixture f;
+        f.state->setDemoModeEnabled(true);
+        f.load();
+        const ManagedBetaGroup group = f.model->groups().last();
+        f.model->requestDeleteGroup(group.id);
+        QVERIFY(f.model->pendingWrite());
+        QVERIFY(f.model->pendingWrite()->isDestructive);
+        f.model->confirmPendingWrite();
+        QTRY_COMPARE(f.model->statusMessage(),
+                     u"Demo-Modus: „Gruppe löschen“ wurde nur angezeigt – an Apple ging nichts."_s);
+        QVERIFY(!f.model->pendingWrite());
+        QCOMPARE(f.model->groups().size(), 2);
+        QCOMPARE(f.transport->requestCount(), 0);
+    }
+
+    // A deleted group leaves the list; when it was the selected one, nothing is selected and its
+    // testers are gone from the screen. Deleting another group keeps the selection.
+    void deleteRemovesTheGroup_data() {
+        QTest::addColumn<QString>("groupID");
+        QTest::addColumn<QString>("selectedAfter");
+        QTest::newRow("the selected group") << u"g-ext"_s << QString();
+        QTest::newRow("another group") << u"g-int"_s << u"g-ext"_s;
+    }
+
+    void deleteRemovesTheGroup() {
+        QFETCH(QString, groupID);
+        QFETCH(QString, selectedAfter);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.transport->script("DELETE", u"/v1/betaGroups/"_s + groupID, {Answer::json(204, {})});
+        f.load();
+        QCOMPARE(f.model->selectedGroupID(), u"g-ext"_s);
+        QCOMPARE(f.model->testers().size(), 2);
+        f.model->requestDeleteGroup(groupID);
+        QVERIFY(f.model->pendingWrite());
+        f.model->confirmPendingWrite();
+        QTRY_COMPARE(f.model->groups().size(), 1);
+        QCOMPARE(f.model->groupRows()->count(), 1);
+        QCOMPARE(f.model->selectedGroupID(), selectedAfter);
+        QCOMPARE(f.model->testerRows()->count(), selectedAfter.isEmpty() ? 0 : 2);
+        QCOMPARE(f.model->statusMessage(),
+                 u"Gruppe „"_s + (groupID == u"g-ext"_s ? u"Freunde"_s : u"Team"_s) + u"“ gelöscht."_s);
+        QCOMPARE(f.writes(), 1);
+    }
+
+    // "Laufen bald ab" counts what expires in less than 14 days from the clock's now and has not
+    // expired yet; an expired build counts only under "Abgelaufen", whatever its date says.
+    void statsCountExpiry_data() {
+        QTest::addColumn<std::optional<qint64>>("expiresInHours");
+        QTest::addColumn<bool>("expired");
+        QTest::addColumn<QString>("soon");
+        QTest::addColumn<QString>("gone");
+        QTest::newRow("13 days") << std::optional<qint64>(13 * 24) << false << u"1"_s << u"0"_s;
+        QTest::newRow("one hour short of 14 days")
+            << std::optional<qint64>(14 * 24 - 1) << false << u"1"_s << u"0"_s;
+        QTest::newRow("15 days") << std::optional<qint64>(15 * 24) << false << u"0"_s << u"0"_s;
+        QTest::newRow("expired, date ahead") << std::optional<qint64>(3 * 24) << true << u"0"_s << u"1"_s;
+        QTest::newRow("no expiry date") << std::optional<qint64>() << false << u"0"_s << u"0"_s;
+    }
+
+    void statsCountExpiry() {
+        QFETCH(std::optional<qint64>, expiresInHours);
+        QFETCH(bool, expired);
+        QFETCH(QString, soon);
+        QFETCH(QString, gone);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        const QDateTime now = f.clock->now();
+        const auto expires =
+            expiresInHours ? std::optional<QDateTime>(now.addSecs(*expiresInHours * 3600)) : std::nullopt;
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-2"_s, u"12"_s, now.addDays(-2), expires, expired),
+                                     build(u"b-1"_s, u"11"_s, now.addDays(-40), std::nullopt, false)}))});
+        f.load();
+        VarnisTest::awaitTask(f.model->loadBuilds(true, false));
+        QList<StatItem> expected{{u"Builds"_s, u"2"_s},
+                                 {u"Gruppen"_s, u"2"_s},
+                                 {u"Erster Build"_s, u"6. Dez. 2025"_s},
+                                 {u"Letzter Build"_s, u"13. Jan. 2026"_s},
+                                 {u"Laufen bald ab"_s, soon},
+                                 {u"Abgelaufen"_s, gone},
+                                 {u"Externe Gruppen"_s, u"1"_s}};
+        QCOMPARE(f.model->stats(), expected);
+        QCOMPARE(f.model->statRows()->count(), 7);
+        QCOMPARE(f.model->statRows()->value(4, TestFlightViewModel::StatValue).toString(), soon);
+    }
+
+    // Beta states fill in per build as they come; one Apple does not answer shows the dash.
+    void betaDetailsFillTheRows() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        const QDateTime now = f.clock->now();
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-2"_s, u"12"_s, now, std::nullopt, false),
+                                     build(u"b-1"_s, u"11"_s, now.addDays(-1), std::nullopt, false)}))});
+        f.transport->script("GET", u"/v1/builds/b-2/buildBetaDetail"_s,
+                            {Answer::json(200, JsonApi::single(resource(
+                                                   u"buildBetaDetails"_s, u"b-2"_s,
+                                                   {{u"internalBuildState"_s, u"IN_BETA_TESTING"_s}})))});
+        f.transport->script("GET", u"/v1/builds/b-1/buildBetaDetail"_s,
+                            {Answer::json(404, JsonApi::error(u"404"_s, u"Nicht da."_s))});
+        VarnisTest::awaitTask(f.model->loadBuilds(true, true));
+        QCOMPARE(f.model->betaDetailsByBuildID().size(), 1);
+        QCOMPARE(f.model->buildRows()->value(0, TestFlightViewModel::BuildInternalState).toString(),
+                 u"Intern: Im Beta-Test"_s);
+        QCOMPARE(f.model->buildRows()->value(0, TestFlightViewModel::BuildExternalState).toString(),
+                 u"Extern: –"_s);
+        QCOMPARE(f.model->buildRows()->value(1, TestFlightViewModel::BuildInternalState).toString(),
+                 u"Intern: –"_s);
+    }
+
+    // The build is in "Freunde" and not in "Team"; a toggle that Apple refuses leaves the set
+    // as it was, one it takes changes it, and the mark of the group under way is gone after both.
+    void assignmentFollowsApple_data() {
+        QTest::addColumn<QString>("groupID");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("assignedAfter");
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("assign refused") << u"g-int"_s << 409 << QStringList{u"g-ext"_s} << true;
+        QTest::newRow("assign") << u"g-int"_s << 204 << QStringList{u"g-ext"_s, u"g-int"_s} << false;
+        QTest::newRow("withdraw refused") << u"g-ext"_s << 403 << QStringList{u"g-ext"_s} << true;
+        QTest::newRow("withdraw") << u"g-ext"_s << 204 << QStringList{} << false;
+    }
+
+    void assignmentFollowsApple() {
+        QFETCH(QString, groupID);
+        QFETCH(int, status);
+        QFETCH(QStringList, assignedAfter);
+        QFETCH(bool, fails);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.transport->script(
+            "GET", u"/v1/apps/app-1/builds"_s,
+            {Answer::json(200, page({build(u"b-1"_s, u"11"_s, f.clock->now(), std::nullopt, false)}))});
+        f.transport->script(
+            "GET", u"/v1/betaGroups/g-ext/relationships/builds"_s,
+            {Answer::json(200, page({QJsonObject{{u"type"_s, u"builds"_s}, {u"id"_s, u"b-1"_s}}}))});
+        f.transport->script("GET", u"/v1/betaGroups/g-int/relationships/builds"_s,
+                            {Answer::json(200, page({}))});
+        const QByteArray body =
+            status >= 400 ? JsonApi::error(QString::number(status), u"Nein."_s) : QByteArray();
+        f.transport->script(groupID == u"g-ext"_s ? "DELETE" : "POST",
+                            u"/v1/betaGroups/"_s + groupID + u"/relationships/builds"_s,
+                            {Answer::json(status, body)});
+        f.load();
+        VarnisTest::awaitTask(f.model->loadBuilds(true, false));
+        VarnisTest::awaitTask(f.model->beginAssigningGroups(u"b-1"_s));
+        QCOMPARE(f.model->assignedGroupIDs(), QSet<QString>{u"g-ext"_s});
+        QCOMPARE(f.model->assignmentRows()->count(), 2);
+
+        VarnisTest::awaitTask(f.model->toggleGroupAssignment(groupID));
+        QCOMPARE(f.model->assignedGroupIDs(), QSet<QString>(assignedAfter.cbegin(), assignedAfter.cend()));
+        QCOMPARE(f.model->assignmentError().isEmpty(), !fails);
+        QCOMPARE(f.model->pendingGroupID(), std::nullopt);
+        const int row = f.model->assignmentRows()->indexOfKey(groupID);
+        QCOMPARE(f.model->assignmentRows()->value(row, TestFlightViewModel::AssignmentIsAssigned).toBool(),
+                 assignedAfter.contains(groupID));
+        QCOMPARE(f.writes(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFlightViewModelTest)
+#include "tst_testflightviewmodel.moc"

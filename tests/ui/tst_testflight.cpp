@@ -1,0 +1,131 @@
+#include "UiFixture.h"
+
+#include "api/RowListModel.h"
+#include "testflight/TestFlightViewModel.h"
+#include "workspace/AppListModel.h"
+#include "workspace/SectionHost.h"
+#include "workspace/WorkspaceViewModel.h"
+
+#include <QQuickItem>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class TestFlightUiTest : public UiFixture {
+    Q_OBJECT
+
+    WorkspaceViewModel* m_workspace = nullptr;
+    TestFlightViewModel* m_model = nullptr;
+
+    // Demo mode, the first app chosen with the mouse, its TestFlight section clicked in the sidebar.
+    void openTestFlight() {
+        startDemo();
+        m_workspace = m_shell->workspace();
+        QTRY_COMPARE(m_workspace->allApps()->count(), 4);
+        QVERIFY(clickRow(mainWindow(), u"allAppsList"_s, 0));
+        QTRY_VERIFY(m_workspace->hasSelectedApp());
+        QVERIFY(clickNamed(mainWindow(), u"section_testFlight"_s));
+        QTRY_COMPARE(m_workspace->selectedSection(), u"testFlight"_s);
+        m_model = qobject_cast<TestFlightViewModel*>(m_workspace->sections()->sectionModel());
+        QVERIFY(m_model);
+        QTRY_COMPARE(m_model->groups().size(), 2);
+        QTRY_COMPARE(m_model->testers().size(), 3);
+    }
+
+private Q_SLOTS:
+    void initTestCase() { installMessageHandler(); }
+    void init() { initFixture(); }
+    void cleanup() { cleanupFixture(); }
+
+    void groupsAndTestersAreShown() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        const ManagedBetaGroup second = m_model->groups().at(1);
+        QVERIFY(findText(mainWindow(), m_model->groups().at(0).name));
+        QVERIFY(findItem(mainWindow(), u"tester_"_s + m_model->testers().at(0).id));
+        QVERIFY(clickNamed(mainWindow(), u"group_"_s + second.id));
+        QTRY_COMPARE(m_model->selectedGroupID(), second.id);
+        QTRY_VERIFY(findItem(mainWindow(), u"tester_"_s + second.id + u"-t1"_s));
+        QVERIFY(findText(mainWindow(), m_model->testers().at(0).displayName()));
+        shoot(mainWindow(), u"testflight-groups"_s);
+    }
+
+    void addingATesterInDemoModeSendsNothing() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(clickNamed(mainWindow(), u"addTesterButton"_s));
+        QQuickItem* email = findItem(mainWindow(), u"newTesterEmailField"_s);
+        QVERIFY(email);
+        click(email);
+        QTRY_VERIFY(email->hasActiveFocus());
+        typeText(mainWindow(), u"jörg@example.com"_s);
+        QCOMPARE(m_model->newTesterEmail(), u"jörg@example.com"_s);
+        QTest::keyClick(mainWindow(), Qt::Key_Tab);
+        typeText(mainWindow(), u"Jörg"_s);
+        QCOMPARE(m_model->newTesterFirstName(), u"Jörg"_s);
+        QVERIFY(clickNamed(mainWindow(), u"confirmAddTesterButton"_s));
+        QTRY_COMPARE(m_model->addTesterError(), WriteGate::demoMessage());
+        QVERIFY(findText(mainWindow(), WriteGate::demoMessage()));
+        QCOMPARE(m_model->testers().size(), 3);
+    }
+
+    void deletingAGroupAsksFirst() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        const ManagedBetaGroup external = m_model->groups().at(1);
+        QVERIFY(!external.isInternal);
+        QVERIFY(clickNamed(mainWindow(), u"group_"_s + external.id));
+        QTRY_COMPARE(m_model->selectedGroupID(), external.id);
+        QVERIFY(clickNamed(mainWindow(), u"deleteGroupButton"_s));
+        QVERIFY(findItem(mainWindow(), u"confirmWriteButton"_s));
+        QVERIFY(findText(mainWindow(), u"Gruppe löschen"_s));
+        shoot(mainWindow(), u"testflight-delete-group"_s);
+        QVERIFY(clickNamed(mainWindow(), u"confirmWriteButton"_s));
+        QTRY_COMPARE(m_model->statusMessage(),
+                     u"Demo-Modus: „Gruppe löschen“ wurde nur angezeigt – an Apple ging nichts."_s);
+        QVERIFY(findText(mainWindow(), m_model->statusMessage()));
+        QCOMPARE(m_model->groups().size(), 2);
+    }
+
+    void buildsTabShowsTheFigures() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(clickNamed(mainWindow(), u"testFlightTab_1"_s));
+        QTRY_COMPARE(m_model->selectedTab(), int(TestFlightViewModel::BuildsTab));
+        QTRY_COMPARE(m_model->builds().size(), 3);
+        QVERIFY(findItem(mainWindow(), u"statsRow"_s));
+        const QList<StatItem> stats = m_model->stats();
+        QCOMPARE(stats.size(), 7);
+        for (qsizetype i = 0; i < stats.size(); ++i) {
+            QQuickItem* stat = findItem(mainWindow(), u"stat_"_s + QString::number(i));
+            QVERIFY(stat);
+            QCOMPARE(stat->property("label").toString(), stats[i].label);
+            QCOMPARE(stat->property("value").toString(), stats[i].value);
+        }
+        QCOMPARE(stats[0].value, u"3"_s);
+        QVERIFY(findText(mainWindow(), u"Laufen bald ab"_s));
+        const QString newest = m_model->builds().first().id;
+        QVERIFY(findItem(mainWindow(), u"build_"_s + newest));
+        QVERIFY(findText(mainWindow(), u"Intern: "_s + m_model->betaDetail(newest)->internalState()));
+        shoot(mainWindow(), u"testflight-builds"_s);
+
+        QVERIFY(clickNamed(mainWindow(), u"assignGroups_"_s + newest));
+        QTRY_COMPARE(m_model->assignmentBuildID(), newest);
+        QTRY_VERIFY(findItem(mainWindow(), u"assign_"_s + m_model->groups().at(0).id));
+        QVERIFY(clickNamed(mainWindow(), u"assign_"_s + m_model->groups().at(0).id));
+        QTRY_COMPARE(m_model->assignmentError(), WriteGate::demoMessage());
+        QVERIFY(clickNamed(mainWindow(), u"closeAssignmentButton"_s));
+        QTRY_COMPARE(m_model->assignmentBuildID(), QString());
+    }
+};
+
+QTEST_MAIN(TestFlightUiTest)
+#include "tst_testflight.moc"
