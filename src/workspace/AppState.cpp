@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "release/BuildsService.h"
 #include "release/VersionsService.h"
+#include "reports/AnalyticsService.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
@@ -20,6 +21,7 @@
 
 #include <QCollator>
 #include <QCoreApplication>
+#include <QDir>
 #include <QTimer>
 
 #include <QPointer>
@@ -60,6 +62,8 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_buildsService = std::make_unique<BuildsService>(
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
     m_testFlightService = std::make_unique<TestFlightService>(m_platform.clock);
+    m_analyticsService = std::make_unique<AnalyticsService>(
+        m_platform.clock, QDir(m_platform.paths.cacheDirectory()).filePath(u"analytics"_s));
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(

@@ -20,6 +20,7 @@ class TaskCenter;
 class VersionsService;
 class BuildsService;
 class TestFlightService;
+class AnalyticsService;
 class LocalizationsService;
 class MetadataDraftStore;
 struct Account;
@@ -46,6 +47,7 @@ public:
     LocalizationsService& localizationsService() const { return *m_localizationsService; }
     BuildsService& buildsService() const { return *m_buildsService; }
     TestFlightService& testFlightService() const { return *m_testFlightService; }
+    AnalyticsService& analyticsService() const { return *m_analyticsService; }
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
 
     // Published state.
@@ -122,6 +124,7 @@ private:
     std::unique_ptr<LocalizationsService> m_localizationsService;
     std::unique_ptr<BuildsService> m_buildsService;
     std::unique_ptr<TestFlightService> m_testFlightService;
+    std::unique_ptr<AnalyticsService> m_analyticsService;
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
     std::unique_ptr<AccountStore> m_accountStore;
 

@@ -540,3 +540,19 @@ QList<ManagedCiBuildRun> MockData::ciBuildRuns(const QString& workflowID, const 
         run(u"-run2"_s, 41, 1 * day, u"Update onboarding texts"_s, u"Fehlgeschlagen"_s, u"FAILED"_s),
     };
 }
+
+QList<ManagedAnalyticsReport> MockData::analyticsReports(const QString& requestID) {
+    return {{requestID + u"-rep1"_s, u"App Sessions Standard"_s, u"APP_USAGE"_s},
+            {requestID + u"-rep2"_s, u"App Store Purchases Standard"_s, u"COMMERCE"_s}};
+}
+
+QList<ManagedAnalyticsReportInstance> MockData::analyticsReportInstances(const QString& reportID) {
+    return {ManagedAnalyticsReportInstance::fromResource(
+                reportID + u"-inst1"_s, ASCAnalyticsReportInstanceAttributes{u"DAILY"_s, u"2026-11-23"_s}),
+            ManagedAnalyticsReportInstance::fromResource(
+                reportID + u"-inst2"_s, ASCAnalyticsReportInstanceAttributes{u"WEEKLY"_s, u"2026-11-22"_s})};
+}
+
+QList<ManagedAnalyticsReportSegment> MockData::analyticsReportSegments(const QString& instanceID) {
+    return {ManagedAnalyticsReportSegment{instanceID + u"-seg1"_s, 48213, std::nullopt, std::nullopt}};
+}

@@ -10,6 +10,7 @@
 #include "monetization/ManagedSubscription.h"
 #include "presence/ManagedAppEvent.h"
 #include "release/VelmoraVersion.h"
+#include "reports/ManagedAnalyticsReport.h"
 #include "reports/ManagedAnalyticsReportRequest.h"
 #include "reviews/ManagedReview.h"
 #include "reviews/ManagedReviewResponse.h"
@@ -78,6 +79,12 @@ QList<ManagedInAppPurchase> inAppPurchases(const QString& appID);
 QList<ManagedSubscription> subscriptions(const QString& groupID);
 QList<ManagedAppEvent> appEvents(const QString& appID);
 QList<ManagedAnalyticsReportRequest> analyticsReportRequests(const QString& appID);
+// "-rep1" app usage, "-rep2" commerce.
+QList<ManagedAnalyticsReport> analyticsReports(const QString& requestID);
+// "-inst1" daily, "-inst2" weekly.
+QList<ManagedAnalyticsReportInstance> analyticsReportInstances(const QString& reportID);
+// "-seg1"; a sample has no address to download from.
+QList<ManagedAnalyticsReportSegment> analyticsReportSegments(const QString& instanceID);
 ManagedCiProduct ciProduct(const QString& appID);
 QList<ManagedCiWorkflow> ciWorkflows(const QString& productID);
 // "-run1" (finished, succeeded) and "-run2" (finished, failed), newest first.

@@ -8,6 +8,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "reports/AnalyticsViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
@@ -184,6 +185,7 @@ private Q_SLOTS:
             &BetaBuildDetailViewModel::staticMetaObject,
             &BetaAppInfoViewModel::staticMetaObject,
             &BetaFeedbackViewModel::staticMetaObject,
+            &AnalyticsViewModel::staticMetaObject,
         };
         for (const QMetaObject* type : types) {
             QTest::newRow(type->className()) << type;

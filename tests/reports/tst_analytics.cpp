@@ -1,13 +1,19 @@
+#include "api/AccountStore.h"
+#include "api/RowListModel.h"
 #include "fixtures/JsonApi.h"
 #include "fixtures/TestClient.h"
 #include "platform/Clock.h"
 #include "reports/AnalyticsService.h"
 #include "reports/AnalyticsSummary.h"
+#include "reports/AnalyticsViewModel.h"
 #include "reports/GzipDecoder.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
+#include "support/TestPlatform.h"
 #include "wire/VelmoraAPIError.h"
+#include "workspace/AppState.h"
 
+#include <QAbstractItemModelTester>
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -37,6 +43,61 @@ QByteArray segmentJson(const QString& url, const QByteArray& body) {
 }
 
 const QByteArray reportText = "Date\tApp Name\tCounts\n2026-11-20\tSpiel\t3\n2026-11-21\tSpiel\t4\n"_ba;
+
+// An application state with one account (or demo mode) and the screen's model on it.
+struct Screen : TestPlatform {
+    std::unique_ptr<AppState> state;
+    std::unique_ptr<AnalyticsViewModel> model;
+    std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
+
+    explicit Screen(bool demo) {
+        clock->setNow(now);
+        state = std::make_unique<AppState>(platform(), AppState::Options{settings});
+        if (demo) {
+            state->setDemoModeEnabled(true);
+        } else {
+            const auto account = VarnisTest::awaitTask(
+                state->accountStore().addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
+                                                 u"ABCDE12345"_s, makeTestKey().privateKeyPEM));
+            state->accountStore().setSelectedAccountID(account.id);
+        }
+        ManagedApp app;
+        app.id = u"app1"_s;
+        app.name = u"Kladde"_s;
+        model = std::make_unique<AnalyticsViewModel>(*state, app);
+        for (QAbstractItemModel* list : std::initializer_list<QAbstractItemModel*>{
+                 model->requests(), model->reports(), model->instances(), model->segments(),
+                 model->tableRows(), model->numericColumns()}) {
+            testers.push_back(std::make_unique<QAbstractItemModelTester>(
+                list, QAbstractItemModelTester::FailureReportingMode::QtTest));
+        }
+    }
+
+    void scriptChain(const QByteArray& segmentBody) {
+        const auto list = [](const QString& type, const QString& id, const QJsonObject& attributes) {
+            return Answer::json(200, page(QJsonArray{resource(type, id, attributes)}));
+        };
+        transport->script("GET", u"/v1/apps/app1/analyticsReportRequests"_s,
+                          {list(u"analyticsReportRequests"_s, u"r1"_s, {{u"accessType"_s, u"ONGOING"_s}})});
+        transport->script("GET", u"/v1/analyticsReportRequests/r1/reports"_s,
+                          {list(u"analyticsReports"_s, u"rep1"_s, {{u"name"_s, u"App Sessions"_s}})});
+        transport->script(
+            "GET", u"/v1/analyticsReports/rep1/instances"_s,
+            {list(u"analyticsReportInstances"_s, u"inst1"_s, {{u"granularity"_s, u"DAILY"_s}})});
+        transport->script(
+            "GET", u"/v1/analyticsReportInstances/inst1/segments"_s,
+            {Answer::json(200, segmentJson(u"https://storage.example.test/seg/1"_s, segmentBody))});
+        transport->script("GET", u"/seg/1"_s, {Answer::json(200, segmentBody)});
+    }
+
+    void walkToTable() {
+        VarnisTest::awaitTask(model->loadRequests(false));
+        VarnisTest::awaitTask(model->selectRequest(u"r1"_s));
+        VarnisTest::awaitTask(model->selectReport(u"rep1"_s));
+        VarnisTest::awaitTask(model->selectInstance(u"inst1"_s));
+        VarnisTest::awaitTask(model->loadTable(u"seg1"_s));
+    }
+};
 
 } // namespace
 
@@ -183,6 +244,82 @@ private Q_SLOTS:
             segment(u"https://storage.example.test/seg/old.gz"_s, reportText), u"inst1"_s, client()));
         QCOMPARE(table.rowCount(), 2);
         QCOMPARE(m_transport->requestsTo("GET", u"/seg/new.gz"_s).size(), 1);
+    }
+
+    // What the screen says about a segment's table, from the reason it cannot sum to the change.
+    void screenSummary_data() {
+        QTest::addColumn<QByteArray>("segment");
+        QTest::addColumn<QString>("reason");
+        QTest::addColumn<QString>("headline");
+        QTest::addColumn<QString>("change");
+        QTest::newRow("no rows") << "Date\tCounts\n"_ba << u"Dieses Segment enthält keine Datenzeilen."_s
+                                 << QString() << QString();
+        QTest::newRow("no date column") << "App\tCounts\nx\t1\n"_ba
+                                        << u"Dieser Report enthält keine Datumsspalte. Eine Auswertung über "
+                                           u"Zeiträume ist damit nicht möglich; "
+                                           u"die Rohdaten stehen unten."_s
+                                        << QString() << QString();
+        QTest::newRow("no numeric column")
+            << "Date\tApp\n2026-11-20\tx\n"_ba
+            << u"Dieser Report enthält keine numerische Spalte, die sich über die Zeit auswerten ließe."_s
+            << QString() << QString();
+        QTest::newRow("only older rows")
+            << "Date\tCounts\n2026-01-20\t1\n"_ba
+            << u"Im gewählten Zeitraum enthält der Report keine Zeilen. Wähle einen längeren Zeitraum."_s
+            << u"Summe Counts · 30 Tage"_s << u"Nicht genug Historie"_s;
+        QTest::newRow("both windows") << "Date\tCounts\n2026-11-20\t15\n2026-10-20\t10\n"_ba << QString()
+                                      << u"Summe Counts · 30 Tage"_s << u"+50.0 %"_s;
+    }
+
+    void screenSummary() {
+        QFETCH(QByteArray, segment);
+        QFETCH(QString, reason);
+        QFETCH(QString, headline);
+        QFETCH(QString, change);
+        Screen screen(false);
+        screen.scriptChain(segment);
+        screen.walkToTable();
+        QCOMPARE(screen.model->tableError(), QString());
+        QCOMPARE(screen.model->loadedSegmentID(), u"seg1"_s);
+        QCOMPARE(screen.model->summaryUnavailableReason(), reason);
+        QCOMPARE(screen.model->summaryHeadline(), headline);
+        QCOMPARE(screen.model->changeText(), change);
+    }
+
+    // Choosing another report empties what hung below the first, and a late answer for the
+    // report the user left does not land.
+    void choosingAgainClearsBelow() {
+        Screen screen(false);
+        screen.scriptChain(reportText);
+        screen.walkToTable();
+        QCOMPARE(screen.model->tableRows()->count(), 2);
+        screen.transport->holdReplies(true);
+        auto late = screen.model->selectReport(u"rep1"_s);
+        QCOMPARE(screen.model->instances()->count(), 0);
+        QCOMPARE(screen.model->segments()->count(), 0);
+        QVERIFY(!screen.model->table());
+        screen.transport->holdReplies(false);
+        VarnisTest::awaitTask(screen.model->selectRequest(u"r1"_s));
+        screen.transport->releaseHeld();
+        VarnisTest::awaitTask(std::move(late));
+        QCOMPARE(screen.model->instances()->count(), 0);
+        QCOMPARE(screen.model->selectedReport(), QString());
+        QCOMPARE(screen.model->reports()->count(), 1);
+    }
+
+    void demoWalksTheChainButLoadsNoFile() {
+        Screen screen(true);
+        VarnisTest::awaitTask(screen.model->loadRequests(false));
+        const QString request = screen.model->requests()->value(0, 0).toString();
+        VarnisTest::awaitTask(screen.model->selectRequest(request));
+        VarnisTest::awaitTask(screen.model->selectReport(screen.model->reports()->value(0, 0).toString()));
+        VarnisTest::awaitTask(
+            screen.model->selectInstance(screen.model->instances()->value(0, 0).toString()));
+        QCOMPARE(screen.model->segments()->count(), 1);
+        VarnisTest::awaitTask(screen.model->loadTable(screen.model->segments()->value(0, 0).toString()));
+        QCOMPARE(screen.model->tableError(),
+                 u"Im Demo-Modus stehen keine echten Download-Links zur Verfügung."_s);
+        QCOMPARE(screen.transport->requestCount(), 0);
     }
 
     void requestsKeptAMinute() {
