@@ -1,5 +1,6 @@
 #include "api/AccountStore.h"
 #include "api/RowListModel.h"
+#include "api/TaskCenter.h"
 #include "fixtures/JsonApi.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
@@ -11,6 +12,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QCoreApplication>
+#include <QFile>
 #include <QJsonArray>
 #include <QTest>
 
@@ -91,6 +93,39 @@ struct Fixture : TestPlatform {
     }
 
     void load() { VarnisTest::awaitTask(model->load(true)); }
+
+    // A tester list of `count` addresses in a file, read into the preview.
+    void preview(int count) {
+        QFile file(dir.filePath(u"tester.csv"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        for (int i = 1; i <= count; ++i) {
+            file.write(QStringLiteral("person%1@example.com;Vorname%1\n").arg(i).toUtf8());
+        }
+        file.close();
+        VarnisTest::awaitTask(model->previewImport(QUrl::fromLocalFile(file.fileName())));
+        QCOMPARE(model->importPreview()->testers.size(), count);
+    }
+
+    // Apple takes testers until the `failAt`-th (1-based; 0: never), which it refuses.
+    int sentTesters = 0;
+    void scriptTesterPosts(int failAt) {
+        transport->route("POST", u"/v1/betaTesters"_s, [this, failAt](const HttpRequest&) {
+            ++sentTesters;
+            if (sentTesters == failAt) {
+                return Answer::json(403, JsonApi::error(u"403"_s, u"Kein Zugriff."_s));
+            }
+            return Answer::json(201, JsonApi::single(resource(u"betaTesters"_s, u"new"_s,
+                                                              {{u"email"_s, u"x@example.com"_s}})));
+        });
+    }
+
+    // The import the sheet asks for, taken off the sheet as its confirm button would.
+    PendingWrite takeImport() {
+        model->requestImportTesters();
+        PendingWrite write = *model->pendingWrite();
+        model->cancelPendingWrite();
+        return write;
+    }
 
     int writes() const {
         int count = 0;
@@ -322,6 +357,92 @@ private Q_SLOTS:
         QCOMPARE(f.model->assignmentRows()->value(row, TestFlightViewModel::AssignmentIsAssigned).toBool(),
                  assignedAfter.contains(groupID));
         QCOMPARE(f.writes(), 1);
+    }
+
+    // The import goes in chunks of 1000. A refused tester stops it: what went before stays with
+    // Apple and is counted, the rest is not sent, and the preview stays for another try.
+    void importSendsInChunks_data() {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("failAt");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("all taken") << 3 << 0 << u"3 Tester an Apple übergeben."_s << QString();
+        QTest::newRow("refused in the second chunk")
+            << 1001 << 1001 << QString()
+            << u"Nach 1000 von 1001 Testern abgebrochen, der Rest wurde nicht gesendet: "_s;
+        QTest::newRow("refused in the first chunk")
+            << 5 << 3 << QString() << u"Nach 2 von 5 Testern abgebrochen, der Rest wurde nicht gesendet: "_s;
+    }
+
+    void importSendsInChunks() {
+        QFETCH(int, count);
+        QFETCH(int, failAt);
+        QFETCH(QString, status);
+        QFETCH(QString, error);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.scriptTesterPosts(failAt);
+        f.load();
+        f.preview(count);
+        const PendingWrite write = f.takeImport();
+        QCOMPARE(write.title, u"Tester importieren"_s);
+        QCOMPARE(write.changes.last().field, u"Anfragen an Apple"_s);
+        QVERIFY(
+            write.changes.last().after.startsWith(u"Der Import kostet "_s + QString::number(count).left(1)));
+        const int testerReads = f.transport->requests().size();
+        VarnisTest::awaitTask(write.perform());
+
+        QCOMPARE(f.sentTesters, failAt ? failAt : count);
+        QCOMPARE(f.model->statusMessage(), status);
+        QVERIFY2(f.model->addTesterError().startsWith(error), qPrintable(f.model->addTesterError()));
+        QCOMPARE(f.model->addTesterError().isEmpty(), error.isEmpty());
+        QCOMPARE(f.model->importPreview().has_value(), failAt != 0);
+        QVERIFY(!f.model->isImporting());
+        QVERIFY(f.state->taskCenter().tasks().isEmpty());
+        // After a success the group's testers are read again, past the cache.
+        const int readsAfter = f.transport->requests().size() - testerReads - f.sentTesters;
+        QCOMPARE(readsAfter, failAt ? 0 : 1);
+    }
+
+    // Cancelling in the task bar stops before the next tester; the one under way still counts.
+    void cancelStopsTheImport() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.scriptTesterPosts(0);
+        f.load();
+        f.preview(3);
+        const PendingWrite write = f.takeImport();
+        f.transport->holdReplies(true);
+        auto running = write.perform();
+        QTRY_COMPARE(f.transport->heldCount(), 1);
+        QCOMPARE(f.state->taskCenter().tasks().size(), 1);
+        const BackgroundTask task = f.state->taskCenter().tasks().first();
+        QVERIFY(task.isCancellable);
+        QCOMPARE(task.detail, std::optional<QString>(u"0 von 3 übergeben"_s));
+        f.state->taskCenter().cancel(task.id);
+        f.transport->holdReplies(false);
+        f.transport->releaseHeld();
+        VarnisTest::awaitTask(std::move(running));
+        QCOMPARE(f.sentTesters, 1);
+        QCOMPARE(f.model->statusMessage(), u"Import abgebrochen: 1 von 3 Testern an Apple übergeben."_s);
+        QVERIFY(f.model->importPreview().has_value());
+        QVERIFY(f.state->taskCenter().tasks().isEmpty());
+    }
+
+    // A file that cannot be read says why in German and leaves the preview as it was.
+    void unreadableFileKeepsThePreview() {
+        Fixture f;
+        f.state->setDemoModeEnabled(true);
+        f.load();
+        f.preview(2);
+        const QString missing = f.dir.filePath(u"fehlt.csv"_s);
+        VarnisTest::awaitTask(f.model->previewImport(QUrl::fromLocalFile(missing)));
+        QCOMPARE(f.model->addTesterError(),
+                 u"Die Datei konnte nicht gelesen werden: Unter „"_s + missing + u"“ gibt es keine Datei."_s);
+        QCOMPARE(f.model->importPreview()->testers.size(), 2);
+        QCOMPARE(f.model->importFooter(), u"2 Tester bereit"_s);
     }
 };
 
