@@ -99,28 +99,37 @@ Dialog {
                     text: sheet.model.importDuplicateSentence
                     wrapMode: Text.Wrap
                 }
+            }
+        }
+        Label {
+            visible: text !== ""
+            text: sheet.model.importRejectedTitle
+            font.bold: true
+        }
+        // A list that only makes the rows it shows: a file of many thousand lines without an
+        // address must not make as many labels.
+        ListView {
+            id: rejectedList
+            objectName: "importRejectedList"
+            Layout.fillWidth: true
+            Layout.preferredHeight: Math.min(contentHeight, 140)
+            visible: count > 0
+            clip: true
+            model: sheet.model.importRejectedLines
+            ScrollBar.vertical: ScrollBar {}
+            delegate: RowLayout {
+                id: rejected
+                required property string lineLabel
+                required property string lineText
+                width: rejectedList.width - 12
                 Label {
-                    visible: text !== ""
-                    text: sheet.model.importRejectedTitle
-                    font.bold: true
+                    text: rejected.lineLabel
+                    color: palette.placeholderText
                 }
-                Repeater {
-                    model: sheet.model.importRejectedLines
-                    delegate: RowLayout {
-                        id: rejected
-                        required property string lineLabel
-                        required property string lineText
-                        Layout.fillWidth: true
-                        Label {
-                            text: rejected.lineLabel
-                            color: palette.placeholderText
-                        }
-                        Label {
-                            Layout.fillWidth: true
-                            text: rejected.lineText
-                            elide: Text.ElideRight
-                        }
-                    }
+                Label {
+                    Layout.fillWidth: true
+                    text: rejected.lineText
+                    elide: Text.ElideRight
                 }
             }
         }

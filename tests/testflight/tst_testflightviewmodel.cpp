@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -429,6 +430,35 @@ private Q_SLOTS:
         QCOMPARE(f.model->statusMessage(), u"Import abgebrochen: 1 von 3 Testern an Apple übergeben."_s);
         QVERIFY(f.model->importPreview().has_value());
         QVERIFY(f.state->taskCenter().tasks().isEmpty());
+    }
+
+    // A list of 200,000 lines is read and parsed beside the window's thread: the call returns
+    // at once, and the event loop keeps running until the preview is there.
+    void largeFileIsReadBesideTheWindow() {
+        Fixture f;
+        f.state->setDemoModeEnabled(true);
+        f.load();
+        QFile file(f.dir.filePath(u"gross.csv"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QByteArray text;
+        for (int i = 0; i < 200000; ++i) {
+            text += i % 3 == 0   ? QByteArray("p") + QByteArray::number(i) + "@example.com;Vor;Nach\n"
+                    : i % 3 == 1 ? QByteArray("\"Nach, Vor\",p") + QByteArray::number(i) + "@example.com\r\n"
+                                 : QByteArray("p") + QByteArray::number(i) + "@example.com\tVor\n";
+        }
+        file.write(text);
+        file.close();
+        int ticks = 0;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
+        timer.start(0);
+        auto reading = f.model->previewImport(QUrl::fromLocalFile(file.fileName()));
+        QVERIFY(f.model->isReadingImportFile());
+        VarnisTest::awaitTask(std::move(reading));
+        QVERIFY(ticks > 0);
+        QCOMPARE(f.model->importPreview()->testers.size(), 200000);
+        QCOMPARE(f.model->importNameRows()->count(), 200);
+        QCOMPARE(f.model->importMoreNames(), u"199800 weitere"_s);
     }
 
     // A file that cannot be read says why in German and leaves the preview as it was.
