@@ -14,6 +14,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTest>
 #include <QTimer>
 
@@ -459,6 +460,45 @@ private Q_SLOTS:
         QCOMPARE(f.model->importPreview()->testers.size(), 200000);
         QCOMPARE(f.model->importNameRows()->count(), 200);
         QCOMPARE(f.model->importMoreNames(), u"199800 weitere"_s);
+    }
+
+    // The settings go out without the switch Apple does not take here, and Apple's answer
+    // replaces the group in the list, the selection and the sheet.
+    void settingsReplaceTheGroup() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        QByteArray sent;
+        f.transport->route("PATCH", u"/v1/betaGroups/g-ext"_s, [&sent](const HttpRequest& request) {
+            sent = request.body;
+            return Answer::json(200, JsonApi::single(resource(u"betaGroups"_s, u"g-ext"_s,
+                                                              {{u"name"_s, u"Gute Freunde"_s},
+                                                               {u"isInternalGroup"_s, false},
+                                                               {u"publicLinkEnabled"_s, true},
+                                                               {u"hasAccessToAllBuilds"_s, true}})));
+        });
+        f.load();
+        f.model->openGroupSettings(u"g-ext"_s);
+        QCOMPARE(f.model->settingsName(), u"Freunde"_s);
+        f.model->setSettingsName(u"  Gute Freunde "_s);
+        f.model->setSettingsPublicLinkEnabled(true);
+        QCOMPARE(f.model->settingsNote(), u"Apple erzeugt den Link, sobald die Änderung gespeichert ist."_s);
+        VarnisTest::awaitTask(f.model->saveGroupSettings());
+
+        const QJsonObject attributes =
+            QJsonDocument::fromJson(sent).object()[u"data"_s][u"attributes"_s].toObject();
+        QCOMPARE(attributes[u"name"_s].toString(), u"Gute Freunde"_s);
+        QVERIFY(attributes[u"publicLinkEnabled"_s].toBool());
+        QVERIFY(!attributes.contains(u"hasAccessToAllBuilds"_s));
+        QCOMPARE(f.model->selectedGroupName(), u"Gute Freunde"_s);
+        QCOMPARE(f.model->groupRows()
+                     ->value(f.model->groupRows()->indexOfKey(u"g-ext"_s), TestFlightViewModel::GroupName)
+                     .toString(),
+                 u"Gute Freunde"_s);
+        QVERIFY(f.model->groups().first().hasAccessToAllBuilds);
+        QCOMPARE(f.model->statusMessage(), u"Gruppe „Gute Freunde“ aktualisiert."_s);
+        QCOMPARE(f.model->settingsGroupID(), QString());
+        QCOMPARE(f.model->groupActionError(), QString());
     }
 
     // A file that cannot be read says why in German and leaves the preview as it was.
