@@ -17,7 +17,9 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -68,6 +70,9 @@ public:
         return QUrl(u"http://127.0.0.1:%1%2"_s.arg(m_port).arg(path));
     }
 
+    // CPU time the server has spent answering, so that it can be taken out of the process's own.
+    qint64 cpuNanos() const { return m_cpuNanos; }
+
 private:
     void serve() {
         while (!m_stopping) {
@@ -75,8 +80,13 @@ private:
             if (client < 0) {
                 return;
             }
+            timespec start{};
+            ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &start);
             answer(client);
             ::close(client);
+            timespec end{};
+            ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &end);
+            m_cpuNanos += (end.tv_sec - start.tv_sec) * 1000000000LL + (end.tv_nsec - start.tv_nsec);
         }
     }
 
@@ -122,6 +132,7 @@ private:
     int m_listener = -1;
     quint16 m_port = 0;
     std::atomic<bool> m_stopping{false};
+    std::atomic<qint64> m_cpuNanos{0};
     std::thread m_thread;
 };
 
@@ -140,19 +151,37 @@ qint64 statusKB(const char* key) {
     return -1;
 }
 
+// CPU time used so far, user and system, by this process or by its finished children.
+qint64 cpuNanos(int who) {
+    rusage usage{};
+    ::getrusage(who, &usage);
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000000LL +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1000LL;
+}
+
+// Forgets the peak of the resident set, so that the next VmHWM is the peak from here on.
+void resetPeak() {
+    QFile refs(u"/proc/self/clear_refs"_s);
+    if (refs.open(QIODevice::WriteOnly)) {
+        refs.write("5");
+    }
+}
+
 double megabytesPerSecond(qint64 bytes, double seconds) {
     return double(bytes) / (1024.0 * 1024.0) / seconds;
 }
 
 // Throughput of curl on the same address, from curl's own clock (so the process start is not
-// counted), or -1 without curl.
-double curlThroughput(const QUrl& url, const QString& target) {
+// counted), or -1 without curl. `cpuMs` gets the CPU time curl used.
+double curlThroughput(const QUrl& url, const QString& target, double& cpuMs) {
+    const qint64 cpuBefore = cpuNanos(RUSAGE_CHILDREN);
     QProcess curl;
     curl.start(u"curl"_s,
                {u"-s"_s, u"-o"_s, target, u"-w"_s, u"%{size_download} %{time_total}"_s, url.toString()});
     if (!curl.waitForFinished(120000) || curl.exitCode() != 0) {
         return -1;
     }
+    cpuMs = double(cpuNanos(RUSAGE_CHILDREN) - cpuBefore) / 1e6;
     const QList<QByteArray> figures = curl.readAllStandardOutput().trimmed().split(' ');
     if (figures.size() != 2 || figures[0].toLongLong() != bodyBytes) {
         return -1;
@@ -179,12 +208,13 @@ int main(int argc, char** argv) {
         VarnisTest::awaitTask(transport->send(warmUp));
         QFile::remove(path);
     }
-    const qint64 rssBefore = statusKB("VmRSS");
-    const qint64 peakBefore = statusKB("VmHWM");
-
     std::vector<double> ours;
     std::vector<double> theirs;
     std::vector<double> theirsToFile;
+    std::vector<double> oursCpu;
+    std::vector<double> theirsCpu;
+    std::vector<double> theirsToFileCpu;
+    double worstGrowthMB = 0;
     qint64 progressCalls = 0;
     for (int round = 0; round < rounds; ++round) {
         HttpRequest request;
@@ -193,11 +223,19 @@ int main(int argc, char** argv) {
         request.saveTo = DownloadTarget{path, [&progressCalls](qint64, qint64) {
                                             ++progressCalls;
                                         }};
+        // Each round's peak against what the process held when it began: a peak that only a
+        // series of downloads reaches shows as well as one of a single download.
+        resetPeak();
+        const qint64 rssBefore = statusKB("VmRSS");
+        const qint64 cpuBefore = cpuNanos(RUSAGE_SELF) - server.cpuNanos();
         QElapsedTimer timer;
         timer.start();
         const HttpResponse response =
             VarnisTest::awaitTask(transport->send(request), std::chrono::minutes(5));
         const double seconds = double(timer.nsecsElapsed()) / 1e9;
+        oursCpu.push_back(double(cpuNanos(RUSAGE_SELF) - server.cpuNanos() - cpuBefore) / 1e6);
+        const double growthMB = double(statusKB("VmHWM") - rssBefore) / 1024.0;
+        worstGrowthMB = std::max(worstGrowthMB, growthMB);
         if (response.status != 200 || response.savedBytes != bodyBytes ||
             QFileInfo(path).size() != bodyBytes) {
             std::fprintf(stderr, "download failed: status %d\n", response.status);
@@ -205,14 +243,18 @@ int main(int argc, char** argv) {
         }
         QFile::remove(path);
         ours.push_back(megabytesPerSecond(bodyBytes, seconds));
-        theirs.push_back(curlThroughput(server.url(), u"/dev/null"_s));
-        theirsToFile.push_back(curlThroughput(server.url(), path));
+        double cpu = 0;
+        theirs.push_back(curlThroughput(server.url(), u"/dev/null"_s, cpu));
+        theirsCpu.push_back(cpu);
+        theirsToFile.push_back(curlThroughput(server.url(), path, cpu));
+        theirsToFileCpu.push_back(cpu);
         QFile::remove(path);
-        std::printf("round %d: Varnis %.0f MB/s, curl to /dev/null %.0f MB/s, curl to a file %.0f MB/s\n",
-                    round + 1, ours.back(), theirs.back(), theirsToFile.back());
+        std::printf(
+            "round %d: Varnis %.0f MB/s (CPU %.0f ms, peak growth %.1f MB), curl to /dev/null %.0f MB/s "
+            "(CPU %.0f ms), curl to a file %.0f MB/s (CPU %.0f ms)\n",
+            round + 1, ours.back(), oursCpu.back(), growthMB, theirs.back(), theirsCpu.back(),
+            theirsToFile.back(), theirsToFileCpu.back());
     }
-    const qint64 peakAfter = statusKB("VmHWM");
-    const qint64 rssAfter = statusKB("VmRSS");
 
     const auto median = [](std::vector<double> values) {
         std::sort(values.begin(), values.end());
@@ -221,18 +263,17 @@ int main(int argc, char** argv) {
     const double oursMedian = median(ours);
     const double theirsMedian = median(theirs);
     const double theirsToFileMedian = median(theirsToFile);
-    const double growthMB = double(peakAfter - std::max(rssBefore, 0LL)) / 1024.0;
     std::printf("download of %lld MB into a file, %d rounds, medians:\n", bodyBytes / (1024 * 1024), rounds);
-    std::printf("  Varnis (QtHttpTransport)   %8.0f MB/s  (%lld progress calls per round)\n", oursMedian,
-                progressCalls / rounds);
-    std::printf("  curl -s -o /dev/null       %8.0f MB/s\n", theirsMedian);
-    std::printf("  curl -s -o FILE            %8.0f MB/s\n", theirsToFileMedian);
+    std::printf("  Varnis (QtHttpTransport)   %8.0f MB/s  CPU %6.0f ms  (%lld progress calls per round)\n",
+                oursMedian, median(oursCpu), progressCalls / rounds);
+    std::printf("  curl -s -o /dev/null       %8.0f MB/s  CPU %6.0f ms\n", theirsMedian, median(theirsCpu));
+    std::printf("  curl -s -o FILE            %8.0f MB/s  CPU %6.0f ms\n", theirsToFileMedian,
+                median(theirsToFileCpu));
     std::printf("  ratio Varnis/curl          %8.2f    (target >= 0.80)\n",
                 theirsMedian > 0 ? oursMedian / theirsMedian : 0.0);
     std::printf("  ratio Varnis/curl to file  %8.2f\n",
                 theirsToFileMedian > 0 ? oursMedian / theirsToFileMedian : 0.0);
-    std::printf("  peak RSS growth            %8.1f MB  (target <= 32; VmRSS %lld -> %lld kB, VmHWM %lld -> "
-                "%lld kB)\n",
-                growthMB, rssBefore, rssAfter, peakBefore, peakAfter);
+    std::printf("  worst peak RSS growth      %8.1f MB  (target <= 32; one round's peak over its start)\n",
+                worstGrowthMB);
     return 0;
 }

@@ -17,8 +17,8 @@ Dialog {
     visible: model.isPresented
     closePolicy: Popup.CloseOnEscape
     onRejected: model.cancel()
-    // Closed first, then confirmed: confirming ends the write, and the loader then destroys the
-    // sheet, which must not happen while it is still open.
+    // Closed before the write is handed on: a dialog that its loader drops while still shown
+    // takes its layouts down mid-way and crashes.
     onAccepted: model.confirm()
 
     header: RowLayout {

@@ -153,6 +153,21 @@ ApplicationWindow {
         Component.onCompleted: setSource("qrc:/qt/qml/Varnis/Api/WriteConfirmationSheet.qml", { "model": Shell.writeConfirmation })
     }
 
+    // The sheet owns its model: it is made when the sheet opens and goes when it closes. The
+    // model is handed over once, so that the closing sheet never sees it go.
+    Loader {
+        id: bulkActionsLoader
+        Connections {
+            target: Shell
+            function onBulkActionsChanged() {
+                if (Shell.bulkActions)
+                    bulkActionsLoader.setSource("BulkActionsSheet.qml", { "model": Shell.bulkActions })
+                else
+                    bulkActionsLoader.source = ""
+            }
+        }
+    }
+
     Loader {
         active: Shell.workspace.isOnboardingPresented
         source: "OnboardingSheet.qml"

@@ -44,6 +44,12 @@ MenuBar {
             enabled: !Shell.workspace.isLoadingApps
             onTriggered: Shell.workspace.refreshApps()
         }
+        MenuSeparator {}
+        Action {
+            text: "Sammelaktionen …"
+            shortcut: "Ctrl+Shift+B"
+            onTriggered: Shell.openBulkActions()
+        }
     }
     Menu {
         title: "&Suchen"

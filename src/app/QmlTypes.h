@@ -13,6 +13,10 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BulkActionsViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
 #include "testflight/TestFlightViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
@@ -86,6 +90,27 @@ struct TestFlightViewModelForeign {
     QML_UNCREATABLE("made by the application")
 };
 
+struct BetaBuildDetailViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaBuildDetailViewModel)
+    QML_NAMED_ELEMENT(BetaBuildDetailViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BetaAppInfoViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaAppInfoViewModel)
+    QML_NAMED_ELEMENT(BetaAppInfoViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BetaFeedbackViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BetaFeedbackViewModel)
+    QML_NAMED_ELEMENT(BetaFeedbackViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
 struct WriteConfirmationViewModelForeign {
     Q_GADGET
     QML_FOREIGN(WriteConfirmationViewModel)
@@ -132,5 +157,12 @@ struct BackgroundSettingsViewModelForeign {
     Q_GADGET
     QML_FOREIGN(BackgroundSettingsViewModel)
     QML_NAMED_ELEMENT(BackgroundSettingsViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct BulkActionsViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(BulkActionsViewModel)
+    QML_NAMED_ELEMENT(BulkActionsViewModel)
     QML_UNCREATABLE("made by the application")
 };

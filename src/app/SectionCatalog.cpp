@@ -3,6 +3,8 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/TestFlightViewModel.h"
 #include "workspace/OverviewViewModel.h"
 #include "workspace/SectionRegistry.h"
@@ -57,6 +59,8 @@ SectionRegistry makeSectionRegistry() {
                   [](const SectionContext& context) -> QObject* {
                       auto* model = new TestFlightViewModel(context.state, context.app, context.parent);
                       presentWritesOf(model, context.presenter);
+                      presentWritesOf(model->appInfo(), context.presenter);
+                      presentWritesOf(model->buildDetail(), context.presenter);
                       return model;
                   },
                   startLoading<TestFlightViewModel>});

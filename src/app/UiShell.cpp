@@ -8,6 +8,7 @@
 #include "api/TaskListModel.h"
 #include "api/WriteConfirmationViewModel.h"
 #include "app/SectionCatalog.h"
+#include "testflight/BulkActionsViewModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
 #include "workspace/AppWindowViewModel.h"
@@ -131,6 +132,37 @@ QQuickWindow* UiShell::window(const QString& objectName) const {
         return main;
     }
     return main->findChild<QQuickWindow*>(objectName);
+}
+
+void UiShell::openBulkActions() {
+    if (m_bulkActions) {
+        return;
+    }
+    m_bulkActions = new BulkActionsViewModel(m_state, this);
+    BulkActionsViewModel* model = m_bulkActions;
+    // Its confirmation shows on the window's one sheet; whatever the sheet decides, the model's
+    // request is done with.
+    connect(model, &BulkActionsViewModel::pendingWriteChanged, model, [this, model] {
+        if (model->pendingWrite()) {
+            m_writeConfirmation->present(*model->pendingWrite());
+        }
+    });
+    connect(m_writeConfirmation, &WriteConfirmationViewModel::cancelled, model,
+            &BulkActionsViewModel::cancelPendingWrite);
+    connect(m_writeConfirmation, &WriteConfirmationViewModel::confirmed, model,
+            &BulkActionsViewModel::cancelPendingWrite);
+    Q_EMIT bulkActionsChanged();
+}
+
+void UiShell::closeBulkActions() {
+    if (!m_bulkActions) {
+        return;
+    }
+    // The sheet lets go of the model first; the model goes once the event loop is back.
+    auto* model = m_bulkActions;
+    m_bulkActions = nullptr;
+    Q_EMIT bulkActionsChanged();
+    model->deleteLater();
 }
 
 QString UiShell::shortcutText(const QString& sequence) const {

@@ -11,6 +11,7 @@ class AccountSettingsViewModel;
 class AddAccountViewModel;
 class AppState;
 class BackgroundSettingsViewModel;
+class BulkActionsViewModel;
 class ChangeLogViewModel;
 class QJSEngine;
 class QQmlApplicationEngine;
@@ -36,6 +37,7 @@ class UiShell : public QObject {
     Q_MOC_INCLUDE("api/RateLimitStatusViewModel.h")
     Q_MOC_INCLUDE("api/TaskListModel.h")
     Q_MOC_INCLUDE("api/WriteConfirmationViewModel.h")
+    Q_MOC_INCLUDE("testflight/BulkActionsViewModel.h")
     Q_MOC_INCLUDE("workspace/BackgroundSettingsViewModel.h")
     Q_MOC_INCLUDE("workspace/WorkspaceViewModel.h")
     Q_PROPERTY(WorkspaceViewModel* workspace READ workspace CONSTANT)
@@ -46,6 +48,8 @@ class UiShell : public QObject {
     Q_PROPERTY(TaskListModel* taskList READ taskList CONSTANT)
     Q_PROPERTY(WriteConfirmationViewModel* writeConfirmation READ writeConfirmation CONSTANT)
     Q_PROPERTY(BackgroundSettingsViewModel* backgroundSettings READ backgroundSettings CONSTANT)
+    // The model of the bulk-actions sheet while it is open, else null.
+    Q_PROPERTY(BulkActionsViewModel* bulkActions READ bulkActions NOTIFY bulkActionsChanged)
 public:
     // The shell of the engine that asks; QML never makes one.
     static UiShell* create(QQmlEngine* engine, QJSEngine* scriptEngine);
@@ -69,10 +73,14 @@ public:
     RateLimitStatusViewModel* rateLimit() const { return m_rateLimit; }
     TaskListModel* taskList() const { return m_taskList; }
     BackgroundSettingsViewModel* backgroundSettings() const { return m_background; }
+    BulkActionsViewModel* bulkActions() const { return m_bulkActions; }
 
     // Asks the main window to show its settings (from screens that are not the menu).
     Q_INVOKABLE void requestSettings() { Q_EMIT settingsRequested(); }
     Q_INVOKABLE void requestChangeLog() { Q_EMIT changeLogRequested(); }
+    // The bulk-actions sheet owns a model of its own for as long as it is open.
+    Q_INVOKABLE void openBulkActions();
+    Q_INVOKABLE void closeBulkActions();
     // A key combination as the platform writes it in menus ("Strg+," in German).
     Q_INVOKABLE QString shortcutText(const QString& sequence) const;
     // A window for one app, with a section of its own.
@@ -83,6 +91,7 @@ public:
 Q_SIGNALS:
     void settingsRequested();
     void changeLogRequested();
+    void bulkActionsChanged();
 
 private:
     void afterFirstFrame();
@@ -98,5 +107,6 @@ private:
     ChangeLogViewModel* m_changeLog;
     TaskListModel* m_taskList;
     BackgroundSettingsViewModel* m_background;
+    BulkActionsViewModel* m_bulkActions = nullptr;
     QList<QPointer<QObject>> m_appWindows;
 };

@@ -40,6 +40,15 @@ void printApps(const Invocation& call) {
 
 } // namespace
 
+QCoro::Task<std::variant<ManagedApp, int>> AppsCommand::findNamedApp(Invocation call, QString query) {
+    const auto app = co_await findApp(call.state, query);
+    if (!app) {
+        co_return call.fail(
+            call.state.appsError().value_or(u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query)));
+    }
+    co_return *app;
+}
+
 std::optional<int> AppsCommand::requireAccount(const Invocation& call) {
     if (call.state.hasAccount()) {
         return std::nullopt;

@@ -1,13 +1,19 @@
 #include "cli/Command.h"
 
+#include "metadata/AppStoreLocales.h"
+
 #include "cli/AccountsCommand.h"
 #include "cli/AppsCommand.h"
 #include "cli/AuditLogCommand.h"
+#include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/TestFlightCommand.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStringDecoder>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
@@ -31,6 +37,18 @@ const QList<Command>& commandTable() {
          MetadataCommand::declareCheck, MetadataCommand::check},
         {u"metadata set"_s, u"ändert Store-Texte einer Sprache; ohne --yes nur als Vorschau"_s,
          MetadataCommand::declareSet, MetadataCommand::set},
+        {u"testflight groups"_s, u"listet die TestFlight-Gruppen einer App"_s,
+         TestFlightCommand::declareGroups, TestFlightCommand::groups},
+        {u"testflight testers"_s, u"listet die Tester einer TestFlight-Gruppe"_s,
+         TestFlightCommand::declareTesters, TestFlightCommand::testers},
+        {u"testflight import"_s,
+         u"importiert Tester aus einer CSV-Datei in eine Gruppe; ohne --yes nur als Vorschau"_s,
+         TestFlightCommand::declareImport, TestFlightCommand::import},
+        {u"testflight notes"_s,
+         u"setzt die Testhinweise eines Builds in einer Sprache; ohne --yes nur als Vorschau"_s,
+         TestFlightCommand::declareNotes, TestFlightCommand::notes},
+        {u"bulk whats-new"_s, u"setzt „Neu in dieser Version“ für viele Apps; ohne --yes nur als Vorschau"_s,
+         BulkCommand::declareWhatsNew, BulkCommand::whatsNew},
     };
     return table;
 }
@@ -59,4 +77,42 @@ void Invocation::printJson(const QJsonValue& value) const {
 
 QJsonValue optionalJson(const std::optional<QString>& value) {
     return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Null);
+}
+
+std::optional<QString> readUtf8File(const QString& path, QString& error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = u"Die Datei „%1“ lässt sich nicht lesen: %2"_s.arg(path, file.errorString());
+        return std::nullopt;
+    }
+    auto decoder = QStringDecoder(QStringDecoder::Utf8);
+    QString text = decoder(file.readAll());
+    if (decoder.hasError()) {
+        error = u"Die Datei „%1“ ist kein UTF-8-Text."_s.arg(path);
+        return std::nullopt;
+    }
+    return text;
+}
+
+std::variant<QString, int> textOrFile(const Invocation& call, const QString& option) {
+    const QString value = call.args.value(option);
+    if (!value.startsWith(u'@')) {
+        return value;
+    }
+    QString error;
+    if (auto text = readUtf8File(value.mid(1), error)) {
+        return *text;
+    }
+    call.err << error << u'\n';
+    return 2;
+}
+
+std::variant<QString, int> localeValue(const Invocation& call, const QString& option, bool mayBeEmpty) {
+    const QString locale = call.args.value(option).trimmed();
+    if ((mayBeEmpty && locale.isEmpty()) || AppStoreLocales::looksValid(locale)) {
+        return locale;
+    }
+    call.err << u"„"_s << locale
+             << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
+    return 2;
 }

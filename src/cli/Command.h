@@ -41,5 +41,15 @@ struct Command {
 // members are chosen by the next word.
 const QList<Command>& commandTable();
 
+// A text given as @datei: the file's content as UTF-8; none with the German reason in `error`.
+std::optional<QString> readUtf8File(const QString& path, QString& error);
+
+// The text of an option that takes T or @datei; the exit status when the file cannot be read.
+std::variant<QString, int> textOrFile(const Invocation& call, const QString& option);
+// The trimmed language code of `option`; a malformed one is a usage error (status 2), told
+// without the usage. An empty one passes when `mayBeEmpty`.
+std::variant<QString, int> localeValue(const Invocation& call, const QString& option,
+                                       bool mayBeEmpty = false);
+
 // JSON null for nothing.
 QJsonValue optionalJson(const std::optional<QString>& value);

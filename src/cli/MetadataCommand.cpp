@@ -8,10 +8,8 @@
 #include "wire/FieldUpdate.h"
 #include "workspace/AppState.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QStringDecoder>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
@@ -47,13 +45,11 @@ QString chosenLocale(const Invocation& call) {
 
 // A malformed language code is a usage error, told without the usage.
 std::optional<int> checkLocale(const Invocation& call) {
-    const QString locale = chosenLocale(call);
-    if (locale.isEmpty() || AppStoreLocales::looksValid(locale)) {
-        return std::nullopt;
+    const auto locale = localeValue(call, localeOption, true);
+    if (const int* status = std::get_if<int>(&locale)) {
+        return *status;
     }
-    call.err << u"„"_s << locale
-             << u"“ sieht nicht wie ein Sprachcode aus (Beispiele: de-DE, fr-FR, ja).\n"_s;
-    return 2;
+    return std::nullopt;
 }
 
 // The one app a show or a check names, and its language.
@@ -77,14 +73,13 @@ QCoro::Task<Loaded> load(Invocation call) {
         co_return loaded;
     }
     const QString query = call.args.positional.first();
-    const auto app = co_await AppsCommand::findApp(call.state, query);
-    if (!app) {
-        loaded.status = call.fail(
-            call.state.appsError().value_or(u"Keine App mit dem Namen „%1“ gefunden."_s.arg(query)));
+    const auto app = co_await AppsCommand::findNamedApp(call, query);
+    if (const int* status = std::get_if<int>(&app)) {
+        loaded.status = *status;
         co_return loaded;
     }
-    loaded.app = *app;
-    loaded.model = std::make_unique<MetadataViewModel>(call.state, *app);
+    loaded.app = std::get<ManagedApp>(app);
+    loaded.model = std::make_unique<MetadataViewModel>(call.state, std::get<ManagedApp>(app));
     co_await loaded.model->load(false);
     if (loaded.model->loadError()) {
         loaded.status = call.fail(*loaded.model->loadError());
@@ -199,22 +194,6 @@ void printFindings(const Invocation& call, const ManagedLocalization& l,
     }
 }
 
-// A value given as FELD=@datei comes from a UTF-8 file; the error text when it cannot.
-std::optional<QString> readValueFile(const QString& path, QString& error) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = u"Die Datei „%1“ lässt sich nicht lesen: %2"_s.arg(path, file.errorString());
-        return std::nullopt;
-    }
-    auto decoder = QStringDecoder(QStringDecoder::Utf8);
-    QString text = decoder(file.readAll());
-    if (decoder.hasError()) {
-        error = u"Die Datei „%1“ ist kein UTF-8-Text."_s.arg(path);
-        return std::nullopt;
-    }
-    return text;
-}
-
 // The FELD=WERT pairs after the app, checked before anything is loaded; the exit status when one
 // is wrong.
 std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
@@ -228,7 +207,7 @@ std::variant<Assignments, int> assignmentsOf(const Invocation& call) {
         QString value = pair.mid(eq + 1);
         if (value.startsWith(u'@')) {
             QString error;
-            const auto fromFile = readValueFile(value.mid(1), error);
+            const auto fromFile = readUtf8File(value.mid(1), error);
             if (!fromFile) {
                 call.err << error << u'\n';
                 return 2;

@@ -75,22 +75,6 @@ MetadataViewModel::MetadataViewModel(AppState& state, ManagedApp app, QObject* p
 
 MetadataViewModel::~MetadataViewModel() = default;
 
-bool MetadataViewModel::isFullyEditable(const ASCAppStoreVersionState& state) {
-    using S = ASCAppStoreVersionState::Case;
-    switch (state.value()) {
-    case S::DeveloperRejected:
-    case S::InvalidBinary:
-    case S::MetadataRejected:
-    case S::PrepareForSubmission:
-    case S::ReadyForReview:
-    case S::Rejected:
-    case S::WaitingForExportCompliance:
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool MetadataViewModel::isDemo() const {
     return m_state.isDemoActive();
 }
@@ -177,8 +161,9 @@ QCoro::Task<bool> MetadataViewModel::loadLatest(bool forceRefresh) {
             publish();
             co_return true;
         }
-        auto edited = std::find_if(versions.cbegin(), versions.cend(),
-                                   [](const VelmoraVersion& v) { return isFullyEditable(v.state); });
+        auto edited = std::find_if(versions.cbegin(), versions.cend(), [](const VelmoraVersion& v) {
+            return VelmoraVersion::isFullyEditable(v.state);
+        });
         const VelmoraVersion version = edited != versions.cend() ? *edited : versions.first();
         const auto appInfoID = co_await m_state.localizationsService().appInfoID(appID, client);
         if (!run) {
@@ -322,7 +307,7 @@ bool MetadataViewModel::hasUnsavedChanges() const {
 }
 
 std::optional<QString> MetadataViewModel::restrictedFieldsHint() const {
-    if (!m_editedVersionState || isFullyEditable(*m_editedVersionState)) {
+    if (!m_editedVersionState || VelmoraVersion::isFullyEditable(*m_editedVersionState)) {
         return std::nullopt;
     }
     return u"Version "_s + m_editableVersionString.value_or(QString()) + u" ist "_s +

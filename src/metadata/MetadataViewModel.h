@@ -85,9 +85,6 @@ public:
     MetadataViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
     ~MetadataViewModel() override;
 
-    // The states in which every field of a version can still be changed.
-    static bool isFullyEditable(const ASCAppStoreVersionState& state);
-
     // Published state.
     const QList<ManagedLocalization>& localizations() const { return m_localizations; }
     bool isLoading() const;

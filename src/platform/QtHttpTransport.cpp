@@ -1,5 +1,6 @@
 #include "platform/QtHttpTransport.h"
 
+#include "platform/BackgroundFileWriter.h"
 #include "platform/Clock.h"
 
 #include <QCoreApplication>
@@ -11,7 +12,6 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <limits>
@@ -127,15 +127,21 @@ bool isShortOfAnnounced(const QNetworkReply& reply, qint64 received) {
     return announced.isValid() && !inflated && received < announced.toLongLong();
 }
 
-// Takes a download's body off the reply as it arrives: a success's into a QSaveFile, which
-// appears under its name only on commit(), anything else's start into memory for the error
-// mapping. A fresh one per attempt, so that a retry never appends to an earlier try.
+// Takes a download's body off the reply as it arrives: a success's to a file written on a thread
+// of its own, which appears under its name only on commit(), anything else's start into memory
+// for the error mapping. A fresh one per attempt, so that a retry never appends to an earlier try.
+//
+// While the writer is behind by more than it may hold, the sink leaves the body with Qt, whose
+// network thread then stops reading: a slow disk holds the sender back instead of piling the
+// body up in memory. The writer says when it has caught up, and the sink goes on.
 class DownloadSink {
 public:
-    DownloadSink(const DownloadTarget& target, QNetworkReply* reply) : m_target(target), m_reply(reply) {}
+    DownloadSink(const DownloadTarget& target, QNetworkReply* reply, std::function<void()> resumed)
+        : m_target(target), m_reply(reply), m_resumed(std::move(resumed)) {}
 
-    // Called on readyRead and once more at the end.
-    void take() {
+    // Called on readyRead, when the writer has caught up, and at the end with `all`, when Qt
+    // holds the last of the body and nothing may stay behind.
+    void take(bool all = false) {
         if (m_mode == Mode::Undecided) {
             const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
             if (status < 200 || status > 299) {
@@ -148,16 +154,16 @@ public:
         }
         switch (m_mode) {
         case Mode::File: {
+            if (const auto failure = m_writer->failure()) {
+                fail(*failure);
+                return;
+            }
             const qint64 before = m_written;
-            while (m_reply->bytesAvailable() > 0) {
-                // Qt hands over the pieces it holds without copying them; the file is
-                // unbuffered, so each goes to the system in one write.
-                const QByteArray chunk = m_reply->readAll();
-                if (m_file->write(chunk) != chunk.size()) {
-                    fail(m_file->errorString());
-                    return;
-                }
+            while (m_reply->bytesAvailable() > 0 && (all || !m_writer->isFull())) {
+                // Qt hands over the pieces it holds without copying them, and so does the writer.
+                QByteArray chunk = m_reply->readAll();
                 m_written += chunk.size();
+                m_writer->append(std::move(chunk));
             }
             if (m_target.progress && m_written > before) {
                 const QVariant total = m_reply->header(QNetworkRequest::ContentLengthHeader);
@@ -175,16 +181,17 @@ public:
         }
     }
 
-    // The reply ended as a complete 2xx and take() has had the rest: the file takes its name,
-    // an empty one included.
-    qint64 commit() {
+    // The reply ended as a complete 2xx and take(true) has had the rest: once the writer has
+    // caught up, the file takes its name, an empty one included.
+    QCoro::Task<qint64> commit() {
         if (m_failure) {
             throw DownloadFileError(m_target.path, *m_failure);
         }
-        if (!m_file->commit()) {
-            throw DownloadFileError(m_target.path, m_file->errorString());
+        const std::optional<QString> failure = co_await m_writer->commit();
+        if (failure) {
+            throw DownloadFileError(m_target.path, *failure);
         }
-        return m_written;
+        co_return m_written;
     }
 
     const std::optional<QString>& failure() const { return m_failure; }
@@ -200,11 +207,9 @@ private:
             fail(u"Ordner %1 konnte nicht angelegt werden."_s.arg(dir));
             return false;
         }
-        m_file = std::make_unique<QSaveFile>(m_target.path);
-        if (!m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-            fail(m_file->errorString());
-            return false;
-        }
+        // The reply outlives the writer (the sink goes first), so the call on catching up
+        // cannot reach a reply that is gone.
+        m_writer = std::make_unique<BackgroundFileWriter>(m_target.path, m_reply, m_resumed);
         return true;
     }
 
@@ -214,14 +219,15 @@ private:
     void fail(QString reason) {
         m_failure = std::move(reason);
         m_mode = Mode::Failed;
-        m_file.reset(); // drops what was written so far
+        m_writer.reset(); // drops what was written so far
         QMetaObject::invokeMethod(m_reply, &QNetworkReply::abort, Qt::QueuedConnection);
     }
 
     const DownloadTarget& m_target;
     QNetworkReply* m_reply;
+    std::function<void()> m_resumed;
     Mode m_mode = Mode::Undecided;
-    std::unique_ptr<QSaveFile> m_file;
+    std::unique_ptr<BackgroundFileWriter> m_writer;
     qint64 m_written = 0;
     QByteArray m_errorBody;
     std::optional<QString> m_failure;
@@ -285,7 +291,10 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
 
     std::unique_ptr<DownloadSink> sink;
     if (request.saveTo) {
-        sink = std::make_unique<DownloadSink>(*request.saveTo, reply.get());
+        sink = std::make_unique<DownloadSink>(*request.saveTo, reply.get(), [&sink, touch]() {
+            touch();
+            sink->take();
+        });
         QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&sink]() { sink->take(); });
     }
 
@@ -324,7 +333,7 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     if (!sink) {
         response.body = reply->readAll();
     } else {
-        sink->take();
+        sink->take(true);
     }
     // Qt does not always notice a connection closed before the announced length (seen on a busy
     // machine): count the bytes. Only a body that was not inflated can be counted.
@@ -336,7 +345,7 @@ QCoro::Task<HttpResponse> QtHttpTransport::send(HttpRequest request) {
         co_return response;
     }
     if (success) {
-        response.savedBytes = sink->commit();
+        response.savedBytes = co_await sink->commit();
     } else {
         response.body = sink->takeErrorBody();
     }

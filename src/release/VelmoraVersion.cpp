@@ -96,6 +96,22 @@ VelmoraVersion VelmoraVersion::fromJson(const JsonReader& r) {
     return v;
 }
 
+bool VelmoraVersion::isFullyEditable(const ASCAppStoreVersionState& state) {
+    using S = ASCAppStoreVersionState::Case;
+    switch (state.value()) {
+    case S::DeveloperRejected:
+    case S::InvalidBinary:
+    case S::MetadataRejected:
+    case S::PrepareForSubmission:
+    case S::ReadyForReview:
+    case S::Rejected:
+    case S::WaitingForExportCompliance:
+        return true;
+    default:
+        return false;
+    }
+}
+
 void VelmoraVersion::sortNewestFirst(QList<VelmoraVersion>& versions) {
     std::stable_sort(versions.begin(), versions.end(), [](const VelmoraVersion& a, const VelmoraVersion& b) {
         if (!b.createdDate) {

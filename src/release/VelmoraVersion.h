@@ -50,6 +50,10 @@ struct VelmoraVersion {
     QJsonObject toJson() const;
     static VelmoraVersion fromJson(const JsonReader& r);
 
+    // The states in which every field of a version can still be changed. The store texts and
+    // the bulk "what's new" both edit the first version in such a state.
+    static bool isFullyEditable(const ASCAppStoreVersionState& state);
+
     // Newest first by creation; a version without a date counts as the oldest. Stable.
     static void sortNewestFirst(QList<VelmoraVersion>& versions);
 

@@ -9,6 +9,9 @@
 #include "platform/Clock.h"
 #include "platform/VarnisError.h"
 #include "release/BuildsService.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
 #include "testflight/BetaTesterImportFile.h"
 #include "testflight/BetaTesterImportParsing.h"
 #include "testflight/TestFlightEndpoints.h"
@@ -133,6 +136,25 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
     connect(m_savingGroup, &ModelOperation::busyChanged, this, &TestFlightViewModel::isSavingGroupChanged);
     connect(m_savingTester, &ModelOperation::busyChanged, this, &TestFlightViewModel::isSavingTesterChanged);
     connect(m_savingTester, &ModelOperation::errorChanged, this, &TestFlightViewModel::addTesterErrorChanged);
+    m_appInfo = new BetaAppInfoViewModel(state, m_app, this);
+    m_feedback = new BetaFeedbackViewModel(state, m_app, this);
+    m_buildDetail = new BetaBuildDetailViewModel(state, this);
+    // A tab's data is asked for when the tab is first shown, not with the groups.
+    connect(this, &TestFlightViewModel::selectedTabChanged, this, [this] {
+        if (m_selectedTab == AppInfoTab) {
+            m_appInfo->startLoad(false);
+        } else if (m_selectedTab == FeedbackTab) {
+            m_feedback->startLoad(false);
+        }
+    });
+    // The chosen build's notes, review and usage follow the choice in the list.
+    connect(this, &TestFlightViewModel::selectedBuildIDChanged, this, [this] {
+        for (const ManagedBuild& build : std::as_const(m_builds)) {
+            if (build.id == m_selectedBuildID) {
+                m_buildDetail->showBuild(build.id, build.buildNumber);
+            }
+        }
+    });
 }
 
 TestFlightViewModel::~TestFlightViewModel() = default;

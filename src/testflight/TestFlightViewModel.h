@@ -19,6 +19,9 @@
 #include <optional>
 
 class AppState;
+class BetaAppInfoViewModel;
+class BetaBuildDetailViewModel;
+class BetaFeedbackViewModel;
 class ModelOperation;
 class RowListModel;
 
@@ -36,6 +39,9 @@ struct StatItem {
 class TestFlightViewModel : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("api/RowListModel.h")
+    Q_MOC_INCLUDE("testflight/BetaAppInfoViewModel.h")
+    Q_MOC_INCLUDE("testflight/BetaBuildDetailViewModel.h")
+    Q_MOC_INCLUDE("testflight/BetaFeedbackViewModel.h")
     Q_PROPERTY(int selectedTab READ selectedTab WRITE selectTab NOTIFY selectedTabChanged)
     Q_PROPERTY(QStringList tabTitles READ tabTitles CONSTANT)
     Q_PROPERTY(RowListModel* groups READ groupRows CONSTANT)
@@ -112,6 +118,11 @@ class TestFlightViewModel : public QObject {
     Q_PROPERTY(QString settingsAllBuildsText READ settingsAllBuildsText NOTIFY settingsAllBuildsTextChanged)
     Q_PROPERTY(bool settingsSiliconMacBuilds READ settingsSiliconMacBuilds WRITE setSettingsSiliconMacBuilds
                    NOTIFY settingsSiliconMacBuildsChanged)
+    // The app's beta texts, the feedback and the chosen build: models of their own, loaded when
+    // their tab is first shown (the build's when a build is chosen).
+    Q_PROPERTY(BetaAppInfoViewModel* appInfo READ appInfo CONSTANT)
+    Q_PROPERTY(BetaFeedbackViewModel* feedback READ feedback CONSTANT)
+    Q_PROPERTY(BetaBuildDetailViewModel* buildDetail READ buildDetail CONSTANT)
 
 public:
     enum Tab { GroupsTab, BuildsTab, AppInfoTab, FeedbackTab };
@@ -256,6 +267,9 @@ public:
     static QStringList importTexts();
     RowListModel* statRows() const { return m_statRows; }
     RowListModel* assignmentRows() const { return m_assignmentRows; }
+    BetaAppInfoViewModel* appInfo() const { return m_appInfo; }
+    BetaFeedbackViewModel* feedback() const { return m_feedback; }
+    BetaBuildDetailViewModel* buildDetail() const { return m_buildDetail; }
 
     // Operations; each never raises, its result lands in the published state.
     QCoro::Task<> loadGroups(bool forceRefresh);
@@ -440,4 +454,7 @@ private:
     std::optional<ManagedBuild> m_buildForAssignment;
     QSet<QString> m_assignedGroupIDs;
     std::optional<QString> m_pendingGroupID;
+    BetaAppInfoViewModel* m_appInfo;
+    BetaFeedbackViewModel* m_feedback;
+    BetaBuildDetailViewModel* m_buildDetail;
 };

@@ -438,6 +438,20 @@ ManagedBetaUsage MockData::betaUsage(const QString& buildID) {
     return usage;
 }
 
+std::optional<ManagedBetaCrashLog> MockData::betaCrashLog(const QString& feedbackID) {
+    if (!feedbackID.endsWith(u"-fb1"_s)) {
+        return std::nullopt;
+    }
+    ManagedBetaCrashLog log;
+    log.logText = u"Exception Type:  EXC_CRASH (SIGABRT)\n"
+                  u"Triggered by Thread:  3\n\n"
+                  u"Thread 3 Crashed:\n"
+                  u"0   libsystem_kernel.dylib   __pthread_kill + 8\n"
+                  u"1   AuroraJournal            PDFExporter.render(entries:) + 412\n"
+                  u"2   AuroraJournal            ExportQueue.run() + 96\n"_s;
+    return log;
+}
+
 QList<ManagedInAppPurchase> MockData::inAppPurchases(const QString& appID) {
     ManagedInAppPurchase themes;
     themes.id = appID + u"-iap1"_s;

@@ -72,6 +72,8 @@ QList<ManagedBetaAppLocalization> betaAppLocalizations(const QString& appID);
 std::optional<ManagedBetaReviewSubmission> betaReviewSubmission(const QString& buildID);
 // A week of use; the expired "-b1" has a month behind it.
 ManagedBetaUsage betaUsage(const QString& buildID);
+// The log of a crash feedback ("-fb1"); none for anything else.
+std::optional<ManagedBetaCrashLog> betaCrashLog(const QString& feedbackID);
 QList<ManagedInAppPurchase> inAppPurchases(const QString& appID);
 QList<ManagedSubscription> subscriptions(const QString& groupID);
 QList<ManagedAppEvent> appEvents(const QString& appID);

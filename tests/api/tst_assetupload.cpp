@@ -1,6 +1,7 @@
 #include "api/AssetUploader.h"
 #include "api/AuditLog.h"
 #include "api/AuthenticationService.h"
+#include "fixtures/TestClient.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
@@ -73,10 +74,9 @@ class AssetUploadTest : public QObject {
     QList<double> m_progress;
 
     std::shared_ptr<AppStoreConnectClient> client(std::shared_ptr<HttpTransport> transport, QUrl root) {
-        return AppStoreConnectClient::create(
-            {m_clock, std::move(transport), std::move(root),
-             std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s, m_key.privateKeyPEM),
-             u"Studio"_s, m_audit, nullptr, nullptr, nullptr});
+        auto parts = clientParts(m_clock, std::move(transport), m_key.privateKeyPEM, std::move(root));
+        parts.auditLog = m_audit;
+        return AppStoreConnectClient::create(std::move(parts));
     }
 
     // Uploads fox.png (or `file`) as `kind` and returns the German error, if any.

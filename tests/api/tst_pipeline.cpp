@@ -8,6 +8,7 @@
 #include "api/TaskCenter.h"
 #include "api/TaskCenterWaitAnnouncer.h"
 #include "api/TimedCache.h"
+#include "fixtures/TestClient.h"
 #include "platform/Clock.h"
 #include "release/ReleaseEndpoints.h"
 #include "support/AwaitTask.h"
@@ -339,12 +340,8 @@ private Q_SLOTS:
         const auto endpoint = ReleaseEndpoints::deleteVersion(id);
         QCOMPARE(endpoint.request.path, path);
 
-        AppStoreConnectClient::Parts parts;
-        parts.clock = m_clock;
-        parts.transport = m_transport;
-        parts.apiRoot = QUrl(u"https://api.example.test/"_s);
-        parts.auth = std::make_shared<AuthenticationService>(u"ABCDE12345"_s, u"issuer"_s,
-                                                             makeTestKey().privateKeyPEM);
+        const auto parts = clientParts(m_clock, m_transport, makeTestKey().privateKeyPEM,
+                                       QUrl(u"https://api.example.test/"_s));
         m_transport->setContractMode(FakeTransport::ContractMode::Off);
         m_transport->route(
             "DELETE", u"/v1/appStoreVersions/"_s, [](const HttpRequest&) { return Answer::json(204, {}); },

@@ -8,6 +8,9 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "testflight/BetaAppInfoViewModel.h"
+#include "testflight/BetaBuildDetailViewModel.h"
+#include "testflight/BetaFeedbackViewModel.h"
 #include "testflight/TestFlightViewModel.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppWindowViewModel.h"
@@ -178,6 +181,9 @@ private Q_SLOTS:
             &OverviewViewModel::staticMetaObject,
             &AppWindowViewModel::staticMetaObject,
             &ChangeLogViewModel::staticMetaObject,
+            &BetaBuildDetailViewModel::staticMetaObject,
+            &BetaAppInfoViewModel::staticMetaObject,
+            &BetaFeedbackViewModel::staticMetaObject,
         };
         for (const QMetaObject* type : types) {
             QTest::newRow(type->className()) << type;

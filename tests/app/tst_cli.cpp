@@ -35,7 +35,74 @@ struct InProcess {
         CommandLine cli(state, outStream, errStream);
         return VarnisTest::awaitTask(cli.run(arguments));
     }
+
+    // An account for this run, and Apple's side of TestFlight and store texts for two apps:
+    // "Nordlicht" with groups, testers, build 42 and an editable version, "Polar" with nothing
+    // editable.
+    void scriptTestFlight(const QByteArray& pem) {
+        Account account;
+        account.id = QUuid::createUuid();
+        account.name = u"Umgebung"_s;
+        account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
+        account.keyID = u"ABCDE12345"_s;
+        state.accountStore().useEphemeralAccount(account, pem);
+        FakeTransport& apple = *test.transport;
+        using Answer = FakeTransport::Answer;
+        apple.script("GET", u"/v1/apps"_s, {Answer::json(200, R"({"data":[
+            {"type":"apps","id":"7","attributes":{"name":"Nordlicht"}},
+            {"type":"apps","id":"8","attributes":{"name":"Polar"}}]})"_ba)});
+        apple.script("GET", u"/v1/apps/7/betaGroups"_s, {Answer::json(200, R"({"data":[
+            {"type":"betaGroups","id":"g-team","attributes":{"name":"Team","isInternalGroup":true}},
+            {"type":"betaGroups","id":"g-ext","attributes":{"name":"Extern","isInternalGroup":false,
+             "publicLinkEnabled":true,"publicLink":"https://testflight.apple.com/join/abc"}}]})"_ba)});
+        apple.script("GET", u"/v1/betaGroups/g-ext/betaTesters"_s, {Answer::json(200, R"({"data":[
+            {"type":"betaTesters","id":"t1","attributes":{"email":"anna@example.com","firstName":"Anna",
+             "inviteType":"EMAIL","state":"INSTALLED"}}]})"_ba)});
+        apple.script("POST", u"/v1/betaTesters"_s,
+                     {Answer::json(201, R"({"data":{"type":"betaTesters","id":"t9","attributes":{}}})"_ba)});
+        apple.script("GET", u"/v1/apps/7/builds"_s, {Answer::json(200, R"({"data":[
+            {"type":"builds","id":"b42","attributes":{"version":"42"}}]})"_ba)});
+        apple.script("GET", u"/v1/builds/b42/betaBuildLocalizations"_s, {Answer::json(200, R"({"data":[
+            {"type":"betaBuildLocalizations","id":"bl-de","attributes":{"locale":"de-DE","whatsNew":"Alt"}}]})"_ba)});
+        apple.script("PATCH", u"/v1/betaBuildLocalizations/bl-de"_s, {Answer::json(200, R"({"data":
+            {"type":"betaBuildLocalizations","id":"bl-de","attributes":{"locale":"de-DE","whatsNew":"Neu"}}})"_ba)});
+        for (const auto& [app, versionState] :
+             {std::pair{u"7"_s, "PREPARE_FOR_SUBMISSION"}, std::pair{u"8"_s, "READY_FOR_SALE"}}) {
+            apple.script(
+                "GET", u"/v1/apps/%1/appStoreVersions"_s.arg(app),
+                {Answer::json(200, R"({"data":[{"type":"appStoreVersions","id":"v)"_ba + app.toUtf8() +
+                                       R"(","attributes":{"versionString":"2.0","appStoreState":")"_ba +
+                                       versionState + R"("}}]})"_ba)});
+        }
+        apple.script("GET", u"/v1/apps/7/appInfos"_s,
+                     {Answer::json(200, R"({"data":[{"type":"appInfos","id":"i7"}]})"_ba)});
+        apple.script("GET", u"/v1/appInfos/i7/appInfoLocalizations"_s, {Answer::json(200, R"({"data":[
+            {"type":"appInfoLocalizations","id":"ai-de","attributes":{"locale":"de-DE","name":"Nordlicht"}}]})"_ba)});
+        apple.script("GET", u"/v1/appStoreVersions/v7/appStoreVersionLocalizations"_s,
+                     {Answer::json(200, R"({"data":[
+            {"type":"appStoreVersionLocalizations","id":"vl-de","attributes":{"locale":"de-DE","whatsNew":"Alt"}}]})"_ba)});
+        apple.script("PATCH", u"/v1/appStoreVersionLocalizations/vl-de"_s, {Answer::json(200, R"({"data":
+            {"type":"appStoreVersionLocalizations","id":"vl-de","attributes":{"locale":"de-DE","whatsNew":"Neu"}}})"_ba)});
+    }
+
+    int writes() const {
+        int count = 0;
+        for (const auto& request : test.transport->requests()) {
+            count += request.method != "GET" ? 1 : 0;
+        }
+        return count;
+    }
 };
+
+// Two testers and a line without an address.
+QString testerFile(const QTemporaryDir& dir) {
+    const QString path = dir.filePath(u"tester.csv"_s);
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write("anna@example.com;Anna;Muster\r\nkeine Adresse\r\nben@example.com\r\n");
+    }
+    return path;
+}
 
 } // namespace
 
@@ -558,6 +625,132 @@ private Q_SLOTS:
         QVERIFY(!cli.out.contains(u"fehlt"_s));
         // A second add of the same name with its key in place is refused as before.
         QCOMPARE(cli.run(add), 1);
+    }
+
+    // The TestFlight and bulk commands in process: what they print, how they end, and whether
+    // anything was sent.
+    void testFlightCommands_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("printed");
+        QTest::addColumn<int>("writes");
+        const QString file = u"@FILE"_s;
+        // 4000 user-perceived characters, each an e with a combining accent: 8000 code units.
+        const QString longest = u"e\u0301"_s.repeated(4000);
+        QTest::newRow("import preview sends nothing")
+            << QStringList{u"testflight"_s, u"import"_s, u"Nordlicht"_s, u"--group"_s, u"extern"_s,
+                           u"--file"_s,     file}
+            << 0
+            << QStringList{u"Ziel: Extern (Nordlicht)"_s,
+                           u"Erkannt (2)"_s,
+                           u"  Anna Muster <anna@example.com>"_s,
+                           u"Ohne erkennbare Adresse (1)"_s,
+                           u"  Zeile 2: keine Adresse"_s,
+                           u"Der Import kostet 2 Anfragen vom stündlichen Kontingent."_s,
+                           u"Nichts gesendet."_s}
+            << 0;
+        QTest::newRow("import strict refuses rejected lines")
+            << QStringList{u"testflight"_s, u"import"_s, u"Nordlicht"_s, u"--group"_s, u"Extern"_s,
+                           u"--file"_s,     file,        u"--strict"_s,  u"--yes"_s}
+            << 1 << QStringList{u"Nichts gesendet: 1 Zeilen ohne erkennbare Adresse (--strict)."_s} << 0;
+        QTest::newRow("import sends one request per tester")
+            << QStringList{u"testflight"_s, u"import"_s, u"Nordlicht"_s, u"--group"_s,
+                           u"Extern"_s,     u"--file"_s, file,           u"--yes"_s}
+            << 0 << QStringList{u"2 von 2 Testern übergeben"_s, u"2 Tester an Apple übergeben."_s} << 2;
+        QTest::newRow("testers of an unknown group")
+            << QStringList{u"testflight"_s, u"testers"_s, u"Nordlicht"_s, u"--group"_s, u"Intern"_s} << 1
+            << QStringList{u"Die App hat keine TestFlight-Gruppe „Intern“. Vorhanden: Extern, Team."_s} << 0;
+        QTest::newRow("notes over 4000 characters")
+            << QStringList{u"testflight"_s, u"notes"_s,  u"Nordlicht"_s,   u"42"_s,   u"--locale"_s,
+                           u"de-DE"_s,      u"--text"_s, longest + u"!"_s, u"--yes"_s}
+            << 1 << QStringList{u"Der Text ist 4001 Zeichen lang; Apple erlaubt 4000."_s} << 0;
+        QTest::newRow("notes of exactly 4000 characters")
+            << QStringList{u"testflight"_s, u"notes"_s,  u"Nordlicht"_s, u"42"_s,   u"--locale"_s,
+                           u"de-DE"_s,      u"--text"_s, longest,        u"--yes"_s}
+            << 0 << QStringList{u"Testhinweise von Build 42 (de-DE) gespeichert."_s} << 1;
+        QTest::newRow("notes of a build the app lacks")
+            << QStringList{u"testflight"_s, u"notes"_s, u"Nordlicht"_s, u"41"_s,
+                           u"--locale"_s,   u"de-DE"_s, u"--text"_s,    u"Neu"_s}
+            << 1 << QStringList{u"Nordlicht hat keinen Build „41“."_s} << 0;
+        QTest::newRow("bulk preview sends nothing")
+            << QStringList{u"bulk"_s,   u"whats-new"_s, u"--locale"_s, u"de-DE"_s,
+                           u"--text"_s, u"Neu"_s,       u"--all"_s}
+            << 0
+            << QStringList{u"„Neu in dieser Version“ setzen (de-DE)\n  Nordlicht\n  Polar\n"_s,
+                           u"Nichts gesendet."_s}
+            << 0;
+        QTest::newRow("bulk fails when one app failed")
+            << QStringList{u"bulk"_s, u"whats-new"_s, u"--locale"_s, u"de-DE"_s, u"--text"_s,
+                           u"Neu"_s,  u"--apps"_s,    u"Polar,7"_s,  u"--yes"_s}
+            << 1
+            << QStringList{u"✗ Polar: Keine bearbeitbare Version."_s, u"✓ Nordlicht: Erledigt"_s,
+                           u"1 von 2 Apps sind gescheitert."_s}
+            << 1;
+        QTest::newRow("bulk with --apps and --all")
+            << QStringList{u"bulk"_s, u"whats-new"_s, u"--locale"_s, u"de-DE"_s, u"--text"_s,
+                           u"Neu"_s,  u"--apps"_s,    u"Polar"_s,    u"--all"_s}
+            << 2 << QStringList{u"Es braucht entweder --apps oder --all."_s} << 0;
+    }
+
+    void testFlightCommands() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, printed);
+        QFETCH(int, writes);
+        InProcess cli;
+        cli.scriptTestFlight(m_key.privateKeyPEM);
+        arguments.replaceInStrings(u"@FILE"_s, testerFile(*m_home));
+        QCOMPARE(cli.run(arguments), status);
+        const QString shown = cli.out + cli.err;
+        for (const QString& text : printed) {
+            QVERIFY2(shown.contains(text), qPrintable(shown.left(2000)));
+        }
+        QCOMPARE(cli.writes(), writes);
+        VARNIS_VERIFY_CONTRACT(*cli.test.transport);
+    }
+
+    void testFlightJson_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("keys");
+        QTest::newRow("groups") << QStringList{u"testflight"_s, u"groups"_s, u"Nordlicht"_s, u"--json"_s} << 0
+                                << QStringList{u"feedbackEnabled"_s, u"id"_s,
+                                               u"isInternal"_s,      u"name"_s,
+                                               u"publicLink"_s,      u"publicLinkEnabled"_s};
+        QTest::newRow("testers") << QStringList{u"testflight"_s, u"testers"_s, u"7"_s,
+                                                u"--group"_s,    u"Extern"_s,  u"--json"_s}
+                                 << 0 << QStringList{u"email"_s,      u"firstName"_s, u"id"_s,
+                                                     u"inviteType"_s, u"lastName"_s,  u"state"_s};
+        QTest::newRow("import preview")
+            << QStringList{u"testflight"_s, u"import"_s, u"7"_s,     u"--group"_s,
+                           u"Extern"_s,     u"--file"_s, u"@FILE"_s, u"--json"_s}
+            << 0 << QStringList{u"app"_s,        u"duplicates"_s, u"group"_s,    u"handedOver"_s,
+                                u"recognized"_s, u"rejected"_s,   u"requests"_s, u"sent"_s};
+        QTest::newRow("bulk results")
+            << QStringList{u"bulk"_s, u"whats-new"_s, u"--locale"_s, u"de-DE"_s, u"--text"_s,
+                           u"Neu"_s,  u"--all"_s,     u"--yes"_s,    u"--json"_s}
+            << 1 << QStringList{u"locale"_s, u"results"_s, u"sent"_s};
+    }
+
+    void testFlightJson() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, status);
+        QFETCH(QStringList, keys);
+        InProcess cli;
+        cli.scriptTestFlight(m_key.privateKeyPEM);
+        arguments.replaceInStrings(u"@FILE"_s, testerFile(*m_home));
+        QCOMPARE(cli.run(arguments), status);
+        const QJsonDocument doc = QJsonDocument::fromJson(cli.out.toUtf8());
+        const QJsonObject first = doc.isArray() ? doc.array().first().toObject() : doc.object();
+        QCOMPARE(first.keys(), keys);
+        if (first.contains(u"results"_s)) {
+            QCOMPARE(first[u"results"_s].toArray().first().toObject().keys(),
+                     (QStringList{u"id"_s, u"message"_s, u"name"_s, u"succeeded"_s}));
+        }
+        if (first.contains(u"rejected"_s)) {
+            QCOMPARE(first[u"rejected"_s].toArray().first().toObject(),
+                     (QJsonObject{{u"line"_s, 2}, {u"text"_s, u"keine Adresse"_s}}));
+        }
     }
 };
 

@@ -29,32 +29,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Answer = FakeTransport::Answer;
-using Member = QString ManagedLocalization::*;
-
-struct WireField {
-    QString key;
-    Member member;
-    bool appInfoSide;
-};
-
-const QList<WireField>& wireFields() {
-    using L = ManagedLocalization;
-    static const QList<WireField> fields{
-        {u"name"_s, &L::name, true},
-        {u"subtitle"_s, &L::subtitle, true},
-        {u"privacyPolicyUrl"_s, &L::privacyPolicyURL, true},
-        {u"privacyChoicesUrl"_s, &L::privacyChoicesURL, true},
-        {u"privacyPolicyText"_s, &L::privacyPolicyText, true},
-        {u"description"_s, &L::description, false},
-        {u"keywords"_s, &L::keywords, false},
-        {u"promotionalText"_s, &L::promotionalText, false},
-        {u"whatsNew"_s, &L::whatsNew, false},
-        {u"marketingUrl"_s, &L::marketingURL, false},
-        {u"supportUrl"_s, &L::supportURL, false},
-    };
-    return fields;
-}
-
 ManagedLocalization language(const QString& locale, const QString& name, const QString& description) {
     ManagedLocalization l;
     l.locale = locale;
@@ -64,6 +38,10 @@ ManagedLocalization language(const QString& locale, const QString& name, const Q
     l.description = description;
     l.keywords = u"notizen,tagebuch"_s;
     return l;
+}
+
+bool isAppInfo(const MetadataFieldInfo& field) {
+    return field.side == LocalizationSide::AppInfo;
 }
 
 // The localization resources of one app as App Store Connect keeps them. Writes change the
@@ -79,9 +57,9 @@ struct FakeApple {
 
     static QJsonObject resource(const ManagedLocalization& l, bool appInfoSide) {
         QJsonObject attributes{{u"locale"_s, l.locale}};
-        for (const auto& field : wireFields()) {
-            if (field.appInfoSide == appInfoSide) {
-                attributes.insert(field.key, l.*field.member);
+        for (const auto& field : MetadataFields::table()) {
+            if (isAppInfo(field) == appInfoSide) {
+                attributes.insert(field.wireKey.toString(), l.*field.member);
             }
         }
         return JsonApi::resource(appInfoSide ? u"appInfoLocalizations"_s : u"appStoreVersionLocalizations"_s,
@@ -119,9 +97,10 @@ struct FakeApple {
                 created = &languages.last();
                 created->keywords.clear();
             }
-            for (const auto& field : wireFields()) {
-                if (field.appInfoSide == appInfoSide && data[u"attributes"_s][field.key].isString()) {
-                    created->*field.member = data[u"attributes"_s][field.key].toString();
+            for (const auto& field : MetadataFields::table()) {
+                const QJsonValue sent = data[u"attributes"_s][field.wireKey.toString()];
+                if (isAppInfo(field) == appInfoSide && sent.isString()) {
+                    created->*field.member = sent.toString();
                 }
             }
             return {201, JsonApi::single(resource(*created, appInfoSide))};
@@ -139,9 +118,10 @@ struct FakeApple {
                     QByteArray(R"({"errors":[{"status":"409","detail":"Version ist gesperrt."}]})")};
         }
         const QJsonObject attributes = data[u"attributes"_s].toObject();
-        for (const auto& field : wireFields()) {
-            if (attributes.contains(field.key) && !keptFields.contains(field.key)) {
-                target->*field.member = attributes[field.key].toString();
+        for (const auto& field : MetadataFields::table()) {
+            const QString key = field.wireKey.toString();
+            if (attributes.contains(key) && !keptFields.contains(key)) {
+                target->*field.member = attributes[key].toString();
             }
         }
         listsFail = listsFailAfterWrite;

@@ -28,7 +28,6 @@ public:
 
     void setMode(Mode mode) { m_mode = mode; }
     const QStringList& violations() const { return m_violations; }
-    void clear() { m_violations.clear(); }
 
     // `path` percent-encoded as on the wire, without query.
     void request(const QByteArray& method, const QString& path, const QStringList& queryNames,

@@ -70,7 +70,6 @@ public:
 
     void setContractMode(ContractMode mode) { m_contract.setMode(mode); }
     const QStringList& violations() const { return m_contract.violations(); }
-    void clearViolations() { m_contract.clear(); }
 
 private:
     struct HoldAwaiter {

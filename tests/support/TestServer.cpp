@@ -276,7 +276,6 @@ void TestServer::readFrom(QTcpSocket* socket) {
         m_contract.request(request.method, wirePath(request), queryNames, request.body);
         connection.pending.append(Pending{request, m_nextSequence++, m_holding, closeAfter});
         connection.inputDone = closeAfter;
-        Q_EMIT requestReceived();
     }
     pump(connection);
 }
@@ -362,18 +361,14 @@ void TestServer::answerFirst(Connection& connection) {
     } else {
         reply = Reply::json(404, appleNotFoundBody());
     }
-    if (!reply.dropConnection && reply.cutAfter < 0) {
+    if (reply.cutAfter < 0) {
         m_contract.answer(pending.request.method, wirePath(pending.request), reply.status, reply.headers,
                           reply.body, reply.contract);
     }
-    writeReply(connection, pending.request, reply, pending.closeAfter || reply.closeConnection);
+    writeReply(connection, pending.request, reply, pending.closeAfter);
 }
 
 void TestServer::writeReply(Connection& connection, const Request& request, const Reply& reply, bool close) {
-    if (reply.dropConnection) {
-        TestServer::close(connection);
-        return;
-    }
     const QByteArray body = reply.gzip ? gzip(reply.body) : reply.body;
     QByteArray out =
         "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reasonPhrase(reply.status) + "\r\n";

@@ -46,12 +46,10 @@ public:
         int status = 200;
         QList<QPair<QByteArray, QByteArray>> headers = {}; // Content-Length is always the server's own
         QByteArray body = {};
-        bool gzip = false;            // send the body gzip-compressed, with "Content-Encoding: gzip"
-        bool closeConnection = false; // "Connection: close", and close after this reply
-        bool dropConnection = false;  // close the connection instead of answering
-        qsizetype cutAfter = -1;      // announce the whole body, send this many bytes of it, close
+        bool gzip = false;       // send the body gzip-compressed, with "Content-Encoding: gzip"
+        qsizetype cutAfter = -1; // announce the whole body, send this many bytes of it, close
         ContractCheck::Leeway contract = {};
-        qsizetype pauseAfter = -1;    // send this many bytes of the body, the rest only on feed()
+        qsizetype pauseAfter = -1; // send this many bytes of the body, the rest only on feed()
 
         // A reply with "Content-Type: application/json".
         static Reply json(int status, QByteArray body, QList<QPair<QByteArray, QByteArray>> headers = {});
@@ -98,10 +96,6 @@ public:
 
     void setContractMode(ContractMode mode) { m_contract.setMode(mode); }
     const QStringList& violations() const { return m_contract.violations(); }
-
-Q_SIGNALS:
-    // A request was received and recorded in requests().
-    void requestReceived();
 
 private:
     struct Pending {

@@ -1,0 +1,199 @@
+// What loading a large sales report costs: a generated summary-sales report of 1,000,000 rows and
+// 28 columns (about 191 MiB of text, about 20 MB as gzip), read from disk, unpacked, checked as
+// UTF-8 and parsed into the table, against `zcat FILE > /dev/null` on the same file in the same
+// run. Each stage runs in a child process of its own, so that its peak memory is its own.
+//
+//   bench_reports [rows]           the comparison, medians of three runs each
+//   bench_reports --stage load F   one load in this process (used by the comparison)
+#include "reports/AnalyticsTable.h"
+#include "reports/GzipDecoder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Lcg {
+    quint64 state = 0x9E3779B97F4A7C15ull;
+    quint32 next(quint32 bound) {
+        state = state * 6364136223846793005ull + 1442695040888963407ull;
+        return quint32(state >> 33) % bound;
+    }
+};
+
+qint64 statusKB(const char* key) {
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    const QByteArray prefix = QByteArray(key) + ':';
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith(prefix)) {
+            return line.mid(prefix.size()).trimmed().split(' ').constFirst().toLongLong();
+        }
+    }
+    return -1;
+}
+
+// The columns of Apple's summary sales report, and rows of plausible values.
+QByteArray generate(int rows) {
+    static const char* const header =
+        "Provider\tProvider Country\tSKU\tDeveloper\tTitle\tVersion\tProduct Type Identifier\tUnits\t"
+        "Developer Proceeds\tBegin Date\tEnd Date\tCustomer Currency\tCountry Code\tCurrency of Proceeds\t"
+        "Apple Identifier\tCustomer Price\tPromo Code\tParent "
+        "Identifier\tSubscription\tPeriod\tCategory\tCMB\t"
+        "Device\tSupported Platforms\tProceeds Reason\tPreserved Pricing\tClient\tOrder Type\n";
+    static const char* const titles[] = {"Mein Reiseplaner", "Sternenhimmel Pro", "Kochbuch Deluxe",
+                                         "Wetter & Radar",   "Fokus-Timer",       "Vokabeltrainer Spanisch"};
+    static const char* const countries[] = {"DE", "AT", "CH", "US", "FR", "IT", "ES", "NL", "GB", "JP"};
+    static const char* const currencies[] = {"EUR", "EUR", "CHF", "USD", "EUR",
+                                             "EUR", "EUR", "EUR", "GBP", "JPY"};
+    static const char* const devices[] = {"iPhone", "iPad", "Desktop", "Apple TV"};
+    static const char* const types[] = {"1F", "IA1", "IAY", "3F", "1T"};
+    Lcg random;
+    QByteArray out(header);
+    out.reserve(qsizetype(rows) * 200 + out.size());
+    for (int r = 0; r < rows; ++r) {
+        const quint32 app = random.next(6);
+        const quint32 country = random.next(10);
+        const quint32 day = 1 + random.next(28);
+        char line[512];
+        const int n = std::snprintf(
+            line, sizeof line,
+            "APPLE\tUS\tcom.example.app%u.premium\tBeispiel Software GmbH\t%s\t%u.%u.%u\t%s\t%u\t%u.%02u\t"
+            "11/%02u/2026\t11/%02u/"
+            "2026\t%s\t%s\t%s\t%u\t%u.%02u\t%s\t%s\t%s\t%s\tProductivity\t\t%s\tiOS\t%s\t"
+            "\t%s\t%s\n",
+            app, titles[app], 1 + random.next(4), random.next(10), random.next(20), types[random.next(5)],
+            1 + random.next(5), random.next(40), random.next(100), day, day, currencies[country],
+            countries[country], currencies[country], 1400000000 + app * 1000 + random.next(1000),
+            random.next(60), random.next(100), random.next(20) == 0 ? "HERBST26" : "",
+            random.next(3) == 0 ? "com.example.parent" : "", random.next(4) == 0 ? "Renewal" : "",
+            random.next(4) == 0 ? "1 Month" : "", devices[random.next(4)],
+            random.next(5) == 0 ? "Rate After One Year" : "", random.next(8) == 0 ? "Yes" : "",
+            random.next(6) == 0 ? "Pre-Order" : "");
+        out.append(line, n);
+    }
+    return out;
+}
+
+QByteArray gzipped(const QByteArray& text) {
+    z_stream stream{};
+    deflateInit2(&stream, 6, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    QByteArray out(qsizetype(deflateBound(&stream, uLong(text.size()))), Qt::Uninitialized);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.constData()));
+    stream.avail_in = uInt(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(out.data());
+    stream.avail_out = uInt(out.size());
+    deflate(&stream, Z_FINISH);
+    out.truncate(qsizetype(stream.total_out));
+    deflateEnd(&stream);
+    return out;
+}
+
+// The generated file, made once and kept for later runs.
+QString reportFile(int rows) {
+    const QString path = QDir::temp().filePath(u"varnis-bench-sales-%1.txt.gz"_s.arg(rows));
+    if (!QFileInfo::exists(path)) {
+        std::printf("generating %s …\n", qPrintable(path));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(gzipped(generate(rows))) < 0) {
+            qFatal("cannot write the report");
+        }
+    }
+    return path;
+}
+
+// One load, as the application does it; prints "seconds peakKB baseKB rows unpackedBytes".
+int loadStage(const QString& path) {
+    const qint64 baseKB = statusKB("VmRSS");
+    QElapsedTimer timer;
+    timer.start();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 1;
+    }
+    QByteArray packed = file.readAll();
+    file.close();
+    QByteArray text = GzipDecoder::decompress(packed);
+    packed = QByteArray();
+    if (!QByteArrayView(text).isValidUtf8()) {
+        return 1;
+    }
+    const qint64 unpacked = text.size();
+    const AnalyticsTable table = AnalyticsTable::parseTSV(std::move(text));
+    const double seconds = double(timer.nsecsElapsed()) / 1e9;
+    std::printf("%.4f %lld %lld %lld %lld\n", seconds, statusKB("VmHWM"), baseKB, qint64(table.rowCount()),
+                unpacked);
+    return 0;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = QCoreApplication::arguments();
+    if (args.size() == 4 && args[1] == u"--stage"_s && args[2] == u"load"_s) {
+        return loadStage(args[3]);
+    }
+    const int rows = args.size() > 1 ? std::max(1, args[1].toInt()) : 1000000;
+    const QString path = reportFile(rows);
+
+    std::vector<double> zcat;
+    std::vector<double> load;
+    qint64 peakKB = 0;
+    qint64 baseKB = 0;
+    qint64 unpacked = 0;
+    for (int run = 0; run < 3; ++run) {
+        QProcess unzip;
+        unzip.setStandardOutputFile(QProcess::nullDevice());
+        QElapsedTimer timer;
+        timer.start();
+        unzip.start(u"zcat"_s, {path});
+        unzip.waitForFinished(120000);
+        zcat.push_back(double(timer.nsecsElapsed()) / 1e9);
+
+        QProcess stage;
+        stage.start(QCoreApplication::applicationFilePath(), {u"--stage"_s, u"load"_s, path});
+        stage.waitForFinished(120000);
+        const QList<QByteArray> figures = stage.readAllStandardOutput().trimmed().split(' ');
+        if (stage.exitCode() != 0 || figures.size() != 5) {
+            std::fprintf(stderr, "load failed\n");
+            return 1;
+        }
+        load.push_back(figures[0].toDouble());
+        peakKB = std::max(peakKB, figures[1].toLongLong());
+        baseKB = figures[2].toLongLong();
+        unpacked = figures[4].toLongLong();
+        std::printf("run %d: zcat %.3f s, load %.3f s, %lld rows\n", run + 1, zcat.back(), load.back(),
+                    figures[3].toLongLong());
+    }
+    const double unpackedMB = double(unpacked) / (1024.0 * 1024.0);
+    std::printf("report of %d rows: %.0f MiB unpacked, %.1f MB gzip; medians of 3:\n", rows, unpackedMB,
+                double(QFileInfo(path).size()) / 1e6);
+    std::printf("  zcat FILE > /dev/null          %7.3f s\n", median(zcat));
+    std::printf("  read, unpack, check, parse     %7.3f s   ratio %.2f (target <= 1.0)\n", median(load),
+                median(load) / median(zcat));
+    std::printf(
+        "  peak memory of the load        %7.0f MiB  %.2f x unpacked (target <= 1.2); %.0f MiB over the "
+        "process's start\n",
+        double(peakKB) / 1024.0, double(peakKB) / 1024.0 / unpackedMB, double(peakKB - baseKB) / 1024.0);
+    return 0;
+}
