@@ -462,6 +462,47 @@ private Q_SLOTS:
         QCOMPARE(f.model->importMoreNames(), u"199800 weitere"_s);
     }
 
+    // A new group is made external by its trimmed name, the list is read past the cache, and
+    // the new group is the selected one.
+    void createdGroupIsSelected() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        QByteArray sent;
+        bool created = false;
+        f.transport->route("POST", u"/v1/betaGroups"_s, [&](const HttpRequest& request) {
+            sent = request.body;
+            created = true;
+            return Answer::json(
+                201, JsonApi::single(resource(u"betaGroups"_s, u"g-new"_s,
+                                              {{u"name"_s, u"Presse"_s}, {u"isInternalGroup"_s, false}})));
+        });
+        f.transport->route("GET", u"/v1/apps/app-1/betaGroups"_s, [&](const HttpRequest&) {
+            QJsonArray groups{resource(u"betaGroups"_s, u"g-ext"_s,
+                                       {{u"name"_s, u"Freunde"_s}, {u"isInternalGroup"_s, false}})};
+            if (created) {
+                groups.append(resource(u"betaGroups"_s, u"g-new"_s,
+                                       {{u"name"_s, u"Presse"_s}, {u"isInternalGroup"_s, false}}));
+            }
+            return Answer::json(200, page(groups));
+        });
+        f.transport->script("GET", u"/v1/betaGroups/g-new/betaTesters"_s, {Answer::json(200, page({}))});
+        f.load();
+        QCOMPARE(f.model->groups().size(), 1);
+        f.model->setCreatingGroup(true);
+        f.model->setNewGroupName(u"  Presse "_s);
+        VarnisTest::awaitTask(f.model->createGroup());
+        const QJsonObject data = QJsonDocument::fromJson(sent).object()[u"data"_s].toObject();
+        QCOMPARE(data[u"attributes"_s][u"name"_s].toString(), u"Presse"_s);
+        QCOMPARE(data[u"relationships"_s][u"app"_s][u"data"_s][u"id"_s].toString(), u"app-1"_s);
+        QCOMPARE(f.model->groups().size(), 2);
+        QCOMPARE(f.model->selectedGroupID(), u"g-new"_s);
+        QCOMPARE(f.model->testers().size(), 0);
+        QVERIFY(!f.model->isCreatingGroup());
+        QCOMPARE(f.model->newGroupName(), QString());
+        QCOMPARE(f.model->statusMessage(), u"Gruppe „Presse“ angelegt."_s);
+    }
+
     // The settings go out without the switch Apple does not take here, and Apple's answer
     // replaces the group in the list, the selection and the sheet.
     void settingsReplaceTheGroup() {
