@@ -643,7 +643,8 @@ void TestFlightViewModel::requestDeleteGroup(const QString& groupID) {
         return;
     }
     const auto group = findGroup(groupID);
-    if (!group) {
+    // Apple makes and removes internal groups itself.
+    if (!group || group->isInternal) {
         return;
     }
     m_groupAction->clearError();
