@@ -1134,7 +1134,11 @@ QCoro::Task<> TestFlightViewModel::beginAssigningGroups(QString buildID) {
     Q_EMIT assignmentTitleChanged();
     auto run = m_assignment->start();
     publishAssignment();
-    co_await loadGroups(false);
+    // The groups on screen are current (a saved setting replaced its group in place, which the
+    // service's cache does not know); only a screen without groups asks for them.
+    if (m_groups.isEmpty()) {
+        co_await loadGroups(false);
+    }
     if (!self || !run) {
         co_return;
     }
