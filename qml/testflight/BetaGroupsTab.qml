@@ -129,6 +129,12 @@ RowLayout {
                 enabled: tab.model.selectedGroupID !== ""
                 onClicked: tab.model.beginAddingTester()
             }
+            Button {
+                objectName: "importTestersButton"
+                text: "Tester importieren …"
+                enabled: tab.model.selectedGroupID !== ""
+                onClicked: tab.model.beginImportingTesters()
+            }
             Item {
                 Layout.fillWidth: true
             }

@@ -64,4 +64,19 @@ Item {
     AssignGroupsSheet {
         model: page.model
     }
+    ImportTestersSheet {
+        model: page.model
+    }
+    // A tester list dropped anywhere on the page goes the way of one chosen in the dialog.
+    DropArea {
+        objectName: "testerFileDropArea"
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onDropped: drop => {
+            if (drop.hasUrls) {
+                drop.accept(Qt.CopyAction)
+                page.model.startPreviewImport(drop.urls[0])
+            }
+        }
+    }
 }

@@ -3,13 +3,16 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/ModelOperation.h"
+#include "api/RateLimitGovernor.h"
 #include "api/RowListModel.h"
+#include "api/TaskCenter.h"
 #include "platform/Clock.h"
 #include "platform/VarnisError.h"
 #include "release/BuildsService.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/BetaTesterImportFile.h"
 #include "testflight/BetaTesterImportParsing.h"
 #include "testflight/TestFlightEndpoints.h"
 #include "testflight/TestFlightService.h"
@@ -70,6 +73,18 @@ QCoro::Task<> deleteConfirmed(QPointer<TestFlightViewModel> model, QString title
     }
 }
 
+// Runs a confirmed import once the user confirmed it; the model may be gone by then.
+QCoro::Task<> importConfirmed(QPointer<TestFlightViewModel> model, QString title, QString groupID,
+                              QList<ImportedBetaTester> testers) {
+    if (model && !model->stopsInDemo(title)) {
+        co_await model->importTestersConfirmed(groupID, testers);
+    }
+}
+
+NewBetaTester toNewTester(const ImportedBetaTester& imported) {
+    return NewBetaTester{imported.email, imported.firstName, imported.lastName};
+}
+
 // "15. Jan. 2026": the date alone, abbreviated.
 QString shortDate(const QDateTime& date) {
     return QLocale(QLocale::German).toString(date.toLocalTime().date(), u"d. MMM yyyy"_s);
@@ -81,7 +96,8 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
     : QObject(parent), m_state(state), m_app(std::move(app)), m_loadingGroups(new ModelOperation(this)),
       m_loadingTesters(new ModelOperation(this)), m_groupAction(new ModelOperation(this)),
       m_savingTester(new ModelOperation(this)), m_savingGroup(new ModelOperation(this)),
-      m_loadingBuilds(new ModelOperation(this)), m_assignment(new ModelOperation(this)),
+      m_loadingBuilds(new ModelOperation(this)), m_readingImportFile(new ModelOperation(this)),
+      m_importing(new ModelOperation(this)), m_assignment(new ModelOperation(this)),
       m_groupRows(new RowListModel({"groupId", "name", "kindText", "detailText", "isInternal", "isSelected",
                                     "hasPublicLink", "accessibleName"},
                                    this)),
@@ -90,12 +106,20 @@ TestFlightViewModel::TestFlightViewModel(AppState& state, ManagedApp app, QObjec
       m_buildRows(new RowListModel({"buildId", "buildNumber", "uploadedText", "expiryText", "internalState",
                                     "externalState", "isSelected", "accessibleName"},
                                    this)),
+      m_importNameRows(new RowListModel({"name"}, this)),
+      m_importRejectedRows(new RowListModel({"lineLabel", "lineText"}, this)),
       m_statRows(new RowListModel({"label", "value"}, this)),
       m_assignmentRows(
           new RowListModel({"groupId", "name", "isAssigned", "isPending", "accessibleName"}, this)) {
     connect(m_loadingBuilds, &ModelOperation::busyChanged, this,
             &TestFlightViewModel::isLoadingBuildsChanged);
     connect(m_loadingBuilds, &ModelOperation::errorChanged, this, &TestFlightViewModel::buildsErrorChanged);
+    connect(m_readingImportFile, &ModelOperation::busyChanged, this,
+            &TestFlightViewModel::isReadingImportFileChanged);
+    connect(m_importing, &ModelOperation::busyChanged, this, &TestFlightViewModel::isImportingChanged);
+    connect(m_importing, &ModelOperation::busyChanged, this, &TestFlightViewModel::canImportChanged);
+    connect(this, &TestFlightViewModel::selectedGroupNameChanged, this,
+            &TestFlightViewModel::importTargetCaptionChanged);
     connect(m_assignment, &ModelOperation::busyChanged, this,
             &TestFlightViewModel::isLoadingAssignmentChanged);
     connect(m_assignment, &ModelOperation::errorChanged, this, &TestFlightViewModel::assignmentErrorChanged);
@@ -619,7 +643,8 @@ void TestFlightViewModel::requestDeleteGroup(const QString& groupID) {
         return;
     }
     const auto group = findGroup(groupID);
-    if (!group) {
+    // Apple makes and removes internal groups itself.
+    if (!group || group->isInternal) {
         return;
     }
     m_groupAction->clearError();
@@ -1109,7 +1134,11 @@ QCoro::Task<> TestFlightViewModel::beginAssigningGroups(QString buildID) {
     Q_EMIT assignmentTitleChanged();
     auto run = m_assignment->start();
     publishAssignment();
-    co_await loadGroups(false);
+    // The groups on screen are current (a saved setting replaced its group in place, which the
+    // service's cache does not know); only a screen without groups asks for them.
+    if (m_groups.isEmpty()) {
+        co_await loadGroups(false);
+    }
     if (!self || !run) {
         co_return;
     }
@@ -1215,4 +1244,219 @@ void TestFlightViewModel::endAssigningGroups() {
     Q_EMIT assignmentBuildIDChanged();
     Q_EMIT assignmentTitleChanged();
     publishAssignment();
+}
+
+// --- Tester import --------------------------------------------------------------------------
+
+void TestFlightViewModel::setImportingTesters(bool on) {
+    if (m_isImportingTesters != on) {
+        m_isImportingTesters = on;
+        m_savingTester->clearError();
+        Q_EMIT isImportingTestersChanged();
+    }
+}
+
+bool TestFlightViewModel::isReadingImportFile() const {
+    return m_readingImportFile->isBusy();
+}
+
+bool TestFlightViewModel::isImporting() const {
+    return m_importing->isBusy();
+}
+
+bool TestFlightViewModel::canImport() const {
+    return m_importPreview && m_selectedGroup &&
+           BetaTesterImportPreview::canImport(*m_importPreview, isImporting());
+}
+
+QString TestFlightViewModel::importTargetCaption() const {
+    return BetaTesterImportPreview::targetCaption(
+        m_selectedGroup ? std::optional<QString>(m_selectedGroup->name) : std::nullopt);
+}
+
+QStringList TestFlightViewModel::importTexts() {
+    using P = BetaTesterImportPreview;
+    return {P::chooseFileTitle(), P::chooseFileHint(), P::chooseFileAction(), P::duplicatesTitle(),
+            P::otherFileAction(), P::cancelAction(),   P::importAction()};
+}
+
+void TestFlightViewModel::setImportPreview(std::optional<BetaTesterImportParsing::Result> preview) {
+    const bool had = m_importPreview.has_value();
+    m_importPreview = std::move(preview);
+    if (had != m_importPreview.has_value()) {
+        Q_EMIT hasImportPreviewChanged();
+    }
+    Q_EMIT canImportChanged();
+    publishImport();
+}
+
+void TestFlightViewModel::publishImport() {
+    const BetaTesterImportPreview old = m_importTexts;
+    const auto remaining = m_state.accountStore().rateLimitGovernor()
+                               ? m_state.accountStore().rateLimitGovernor()->remaining()
+                               : std::nullopt;
+    m_importTexts = m_importPreview ? BetaTesterImportPreview::of(*m_importPreview, remaining)
+                                    : BetaTesterImportPreview{};
+    const auto& now = m_importTexts;
+    if (old.recognizedTitle != now.recognizedTitle) {
+        Q_EMIT importRecognizedTitleChanged();
+    }
+    if (old.moreNames != now.moreNames) {
+        Q_EMIT importMoreNamesChanged();
+    }
+    if (old.duplicateSentence != now.duplicateSentence) {
+        Q_EMIT importDuplicateSentenceChanged();
+    }
+    if (old.rejectedTitle != now.rejectedTitle) {
+        Q_EMIT importRejectedTitleChanged();
+    }
+    if (old.footer != now.footer) {
+        Q_EMIT importFooterChanged();
+    }
+    if (old.costSentence != now.costSentence) {
+        Q_EMIT importCostSentenceChanged();
+    }
+    QList<RowListModel::Row> names;
+    names.reserve(now.listedNames.size());
+    for (const QString& name : now.listedNames) {
+        names.append({name});
+    }
+    m_importNameRows->setRows(names);
+    QList<RowListModel::Row> rejected;
+    rejected.reserve(now.rejectedRows.size());
+    for (const auto& row : now.rejectedRows) {
+        rejected.append({row.label, row.text});
+    }
+    m_importRejectedRows->setRows(rejected);
+}
+
+QCoro::Task<> TestFlightViewModel::previewImport(QUrl url) {
+    auto run = m_readingImportFile->start();
+    setImportingTesters(true);
+    m_savingTester->clearError();
+    const QString location = url.isLocalFile() ? url.toLocalFile() : url.toString();
+    std::optional<BetaTesterImportParsing::Result> result;
+    QString failure;
+    try {
+        // Reading and parsing run on a worker thread: a list of many thousand lines must not
+        // stop the window.
+        result = co_await BetaTesterImportFile::load(location);
+    } catch (const std::exception& error) {
+        failure = describeError(error);
+    }
+    if (!run) {
+        co_return;
+    }
+    run.succeed();
+    if (!result) {
+        m_savingTester->setError(failure);
+        co_return;
+    }
+    setImportPreview(std::move(result));
+}
+
+void TestFlightViewModel::startPreviewImport(const QUrl& url) {
+    QCoro::connect(previewImport(url), this, [] {});
+}
+
+void TestFlightViewModel::requestImportTesters() {
+    if (auto reason = m_state.writeBlockedReason()) {
+        m_savingTester->setError(*reason);
+        return;
+    }
+    if (!m_selectedGroup || !m_importPreview || m_importPreview->testers.isEmpty() || isImporting()) {
+        return;
+    }
+    m_savingTester->clearError();
+    PendingWrite write = BetaTesterImportPreview::confirmation(m_selectedGroup->name, *m_importPreview);
+    // Apple takes one tester per request: the user sees what the import costs of the hour.
+    WriteChange cost;
+    cost.field = u"Anfragen an Apple"_s;
+    cost.after = m_importTexts.costSentence.value_or(QString());
+    write.changes.append(cost);
+    write.perform = [model = QPointer<TestFlightViewModel>(this), title = write.title,
+                     groupID = m_selectedGroup->id, testers = m_importPreview->testers]() {
+        return importConfirmed(model, title, groupID, testers);
+    };
+    setPendingWrite(std::move(write));
+}
+
+QCoro::Task<> TestFlightViewModel::importTestersConfirmed(QString groupID,
+                                                          QList<ImportedBetaTester> testers) {
+    QPointer<TestFlightViewModel> self(this);
+    const auto account = m_state.accountStore().selectedAccount();
+    if (!account || testers.isEmpty()) {
+        co_return;
+    }
+    auto run = m_importing->start();
+    m_savingTester->clearError();
+    // The task bar and the service belong to the application state, which outlives this model;
+    // the import keeps reporting there even while the screen changes.
+    TaskCenter& tasks = m_state.taskCenter();
+    TestFlightService& service = m_state.testFlightService();
+    const qsizetype total = testers.size();
+    auto cancelled = std::make_shared<bool>(false);
+    BackgroundTask task;
+    task.title = u"Tester importieren"_s;
+    task.detail = u"0 von "_s + QString::number(total) + u" übergeben"_s;
+    task.progress = 0.0;
+    task.isCancellable = true;
+    task.startedAt = now();
+    const QUuid taskID = task.id;
+    tasks.start(task, [cancelled] { *cancelled = true; });
+
+    int handedOver = 0;
+    std::optional<QString> failure;
+    try {
+        auto client = co_await m_state.accountStore().makeClient(*account);
+        for (const auto& chunk : BetaTesterImportParsing::chunks(testers)) {
+            if (*cancelled || !self) {
+                break;
+            }
+            QList<NewBetaTester> batch;
+            batch.reserve(chunk.size());
+            for (const auto& imported : chunk) {
+                batch.append(toNewTester(imported));
+            }
+            const int before = handedOver;
+            auto isCancelled = [cancelled, self] {
+                return *cancelled || !self;
+            };
+            auto progress = [&tasks, taskID, before, total, &handedOver](int inChunk) {
+                handedOver = before + inChunk;
+                tasks.update(taskID, double(handedOver) / double(total),
+                             QString::number(handedOver) + u" von "_s + QString::number(total) +
+                                 u" übergeben"_s);
+            };
+            handedOver =
+                before + co_await service.importTesters(batch, groupID, client, isCancelled, progress);
+        }
+    } catch (const std::exception& error) {
+        failure = describeError(error);
+    }
+    tasks.finish(taskID);
+    if (!self) {
+        co_return;
+    }
+    if (failure) {
+        // What went before stays with Apple; the rest of the list was not sent.
+        run.fail(u"Nach "_s + QString::number(handedOver) + u" von "_s + QString::number(total) +
+                 u" Testern abgebrochen, der Rest wurde nicht gesendet: "_s + *failure);
+        m_savingTester->setError(m_importing->errorText());
+        Q_EMIT canImportChanged();
+        co_return;
+    }
+    run.succeed();
+    Q_EMIT canImportChanged();
+    if (*cancelled) {
+        setStatusMessage(u"Import abgebrochen: "_s + QString::number(handedOver) + u" von "_s +
+                         QString::number(total) + u" Testern an Apple übergeben."_s);
+    } else {
+        setStatusMessage(BetaTesterImportPreview::handedOverMessage(handedOver));
+        setImportPreview(std::nullopt);
+        setImportingTesters(false);
+    }
+    if (selectedGroupID() == groupID) {
+        co_await loadTesters(true);
+    }
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "api/PendingWrite.h"
+#include "testflight/BetaTesterImportParsing.h"
+#include "testflight/BetaTesterImportPreview.h"
 #include "testflight/ManagedBetaGroup.h"
 #include "testflight/ManagedBetaTester.h"
 #include "testflight/ManagedBuild.h"
@@ -12,6 +14,7 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QUrl>
 
 #include <optional>
 
@@ -66,6 +69,24 @@ class TestFlightViewModel : public QObject {
     Q_PROPERTY(bool isLoadingAssignment READ isLoadingAssignment NOTIFY isLoadingAssignmentChanged)
     Q_PROPERTY(QString assignmentError READ assignmentError NOTIFY assignmentErrorChanged)
     Q_PROPERTY(QString pendingGroupID READ pendingGroupIDText NOTIFY pendingGroupIDChanged)
+    // The import sheet: open while `isImportingTesters`; the preview once a file was read.
+    Q_PROPERTY(bool isImportingTesters READ isImportingTesters WRITE setImportingTesters NOTIFY
+                   isImportingTestersChanged)
+    Q_PROPERTY(bool isReadingImportFile READ isReadingImportFile NOTIFY isReadingImportFileChanged)
+    Q_PROPERTY(bool isImporting READ isImporting NOTIFY isImportingChanged)
+    Q_PROPERTY(bool hasImportPreview READ hasImportPreview NOTIFY hasImportPreviewChanged)
+    Q_PROPERTY(bool canImport READ canImport NOTIFY canImportChanged)
+    Q_PROPERTY(QString importTargetCaption READ importTargetCaption NOTIFY importTargetCaptionChanged)
+    Q_PROPERTY(QString importRecognizedTitle READ importRecognizedTitle NOTIFY importRecognizedTitleChanged)
+    Q_PROPERTY(RowListModel* importNames READ importNameRows CONSTANT)
+    Q_PROPERTY(QString importMoreNames READ importMoreNames NOTIFY importMoreNamesChanged)
+    Q_PROPERTY(
+        QString importDuplicateSentence READ importDuplicateSentence NOTIFY importDuplicateSentenceChanged)
+    Q_PROPERTY(QString importRejectedTitle READ importRejectedTitle NOTIFY importRejectedTitleChanged)
+    Q_PROPERTY(RowListModel* importRejectedLines READ importRejectedRows CONSTANT)
+    Q_PROPERTY(QString importFooter READ importFooter NOTIFY importFooterChanged)
+    Q_PROPERTY(QString importCostSentence READ importCostSentence NOTIFY importCostSentenceChanged)
+    Q_PROPERTY(QStringList importTexts READ importTexts CONSTANT)
     Q_PROPERTY(QString groupActionError READ groupActionError NOTIFY groupActionErrorChanged)
     Q_PROPERTY(bool isAddingTester READ isAddingTester WRITE setAddingTester NOTIFY isAddingTesterChanged)
     Q_PROPERTY(
@@ -129,6 +150,10 @@ public:
         BuildIsSelected,
         BuildAccessibleName
     };
+    // The roles of `importNames`, in this order.
+    enum ImportNameColumn { ImportName };
+    // The roles of `importRejectedLines`, in this order.
+    enum ImportRejectedColumn { ImportRejectedLabel, ImportRejectedText };
     // The roles of `stats`, in this order.
     enum StatColumn { StatLabel, StatValue };
     // The roles of `assignmentGroups`, in this order.
@@ -220,6 +245,26 @@ public:
     RowListModel* groupRows() const { return m_groupRows; }
     RowListModel* testerRows() const { return m_testerRows; }
     RowListModel* buildRows() const { return m_buildRows; }
+    RowListModel* importNameRows() const { return m_importNameRows; }
+    RowListModel* importRejectedRows() const { return m_importRejectedRows; }
+
+    bool isImportingTesters() const { return m_isImportingTesters; }
+    void setImportingTesters(bool on);
+    bool isReadingImportFile() const;
+    bool isImporting() const;
+    const std::optional<BetaTesterImportParsing::Result>& importPreview() const { return m_importPreview; }
+    bool hasImportPreview() const { return m_importPreview.has_value(); }
+    bool canImport() const;
+    QString importTargetCaption() const;
+    QString importRecognizedTitle() const { return m_importTexts.recognizedTitle; }
+    QString importMoreNames() const { return m_importTexts.moreNames.value_or(QString()); }
+    QString importDuplicateSentence() const { return m_importTexts.duplicateSentence.value_or(QString()); }
+    QString importRejectedTitle() const { return m_importTexts.rejectedTitle.value_or(QString()); }
+    QString importFooter() const { return m_importTexts.footer; }
+    QString importCostSentence() const { return m_importTexts.costSentence.value_or(QString()); }
+    // The fixed texts of the import sheet: title and hint before a file is chosen, the action
+    // to choose one, "Dubletten", "Andere Datei", "Abbrechen", "Importieren".
+    static QStringList importTexts();
     RowListModel* statRows() const { return m_statRows; }
     RowListModel* assignmentRows() const { return m_assignmentRows; }
     BetaAppInfoViewModel* appInfo() const { return m_appInfo; }
@@ -244,6 +289,17 @@ public:
     Q_INVOKABLE void startAssigningGroups(const QString& buildID);
     Q_INVOKABLE void startToggleGroupAssignment(const QString& groupID);
     Q_INVOKABLE void endAssigningGroups();
+
+    // Reads the file off the UI thread and shows what was understood; the sheet opens for a
+    // dropped file too. An unreadable file leaves the preview as it was.
+    QCoro::Task<> previewImport(QUrl url);
+    // The confirmation of the import, on the sheet of the window.
+    void requestImportTesters();
+    // Sends the testers in chunks, with progress and a cancel button in the task bar.
+    QCoro::Task<> importTestersConfirmed(QString groupID, QList<ImportedBetaTester> testers);
+    Q_INVOKABLE void beginImportingTesters() { setImportingTesters(true); }
+    Q_INVOKABLE void startPreviewImport(const QUrl& url);
+    Q_INVOKABLE void startRequestImportTesters() { requestImportTesters(); }
     Q_INVOKABLE void cancelPendingWrite();
     Q_INVOKABLE void confirmPendingWrite();
 
@@ -285,6 +341,18 @@ Q_SIGNALS:
     void testersErrorChanged();
     void statusMessageChanged();
     void pendingWriteChanged();
+    void isImportingTestersChanged();
+    void isReadingImportFileChanged();
+    void isImportingChanged();
+    void hasImportPreviewChanged();
+    void canImportChanged();
+    void importTargetCaptionChanged();
+    void importRecognizedTitleChanged();
+    void importMoreNamesChanged();
+    void importDuplicateSentenceChanged();
+    void importRejectedTitleChanged();
+    void importFooterChanged();
+    void importCostSentenceChanged();
     void isLoadingBuildsChanged();
     void buildsErrorChanged();
     void selectedBuildIDChanged();
@@ -324,6 +392,8 @@ private:
     void publishTesters();
     void publishBuilds();
     void publishAssignment();
+    void setImportPreview(std::optional<BetaTesterImportParsing::Result> preview);
+    void publishImport();
     void setPendingGroupID(std::optional<QString> groupID);
     // The gate of a write in its order; the text that stops it, or none.
     std::optional<QString> ensureWritable() const;
@@ -347,11 +417,15 @@ private:
     ModelOperation* m_savingTester;
     ModelOperation* m_savingGroup;
     ModelOperation* m_loadingBuilds;
+    ModelOperation* m_readingImportFile;
+    ModelOperation* m_importing;
     // Its error text is `assignmentError`.
     ModelOperation* m_assignment;
     RowListModel* m_groupRows;
     RowListModel* m_testerRows;
     RowListModel* m_buildRows;
+    RowListModel* m_importNameRows;
+    RowListModel* m_importRejectedRows;
     RowListModel* m_statRows;
     RowListModel* m_assignmentRows;
     int m_selectedTab = GroupsTab;
@@ -369,6 +443,9 @@ private:
     // The sheet's edits of `m_groupForSettings`.
     ManagedBetaGroup m_settings;
     std::optional<PendingWrite> m_pendingWrite;
+    bool m_isImportingTesters = false;
+    std::optional<BetaTesterImportParsing::Result> m_importPreview;
+    BetaTesterImportPreview m_importTexts;
     QList<ManagedBuild> m_builds;
     bool m_haveLoadedBuilds = false;
     bool m_areDetailsLoading = false;

@@ -1,5 +1,6 @@
 #include "api/AccountStore.h"
 #include "api/RowListModel.h"
+#include "api/TaskCenter.h"
 #include "fixtures/JsonApi.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
@@ -11,8 +12,11 @@
 
 #include <QAbstractItemModelTester>
 #include <QCoreApplication>
+#include <QFile>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -92,6 +96,39 @@ struct Fixture : TestPlatform {
 
     void load() { VarnisTest::awaitTask(model->load(true)); }
 
+    // A tester list of `count` addresses in a file, read into the preview.
+    void preview(int count) {
+        QFile file(dir.filePath(u"tester.csv"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        for (int i = 1; i <= count; ++i) {
+            file.write(QStringLiteral("person%1@example.com;Vorname%1\n").arg(i).toUtf8());
+        }
+        file.close();
+        VarnisTest::awaitTask(model->previewImport(QUrl::fromLocalFile(file.fileName())));
+        QCOMPARE(model->importPreview()->testers.size(), count);
+    }
+
+    // Apple takes testers until the `failAt`-th (1-based; 0: never), which it refuses.
+    int sentTesters = 0;
+    void scriptTesterPosts(int failAt) {
+        transport->route("POST", u"/v1/betaTesters"_s, [this, failAt](const HttpRequest&) {
+            ++sentTesters;
+            if (sentTesters == failAt) {
+                return Answer::json(403, JsonApi::error(u"403"_s, u"Kein Zugriff."_s));
+            }
+            return Answer::json(201, JsonApi::single(resource(u"betaTesters"_s, u"new"_s,
+                                                              {{u"email"_s, u"x@example.com"_s}})));
+        });
+    }
+
+    // The import the sheet asks for, taken off the sheet as its confirm button would.
+    PendingWrite takeImport() {
+        model->requestImportTesters();
+        PendingWrite write = *model->pendingWrite();
+        model->cancelPendingWrite();
+        return write;
+    }
+
     int writes() const {
         int count = 0;
         for (const auto& request : transport->requests()) {
@@ -136,7 +173,13 @@ private Q_SLOTS:
         }
         f.state->setDemoModeEnabled(demo);
         f.load();
-        const QString groupID = f.model->selectedGroupID();
+        // An external group: Apple's own internal groups get no sheet.
+        QString groupID = u"g-ext"_s;
+        for (const auto& group : f.model->groups()) {
+            if (!group.isInternal) {
+                groupID = group.id;
+            }
+        }
         const QString testerID = f.model->testers().isEmpty() ? u"t-1"_s : f.model->testers().first().id;
 
         VarnisTest::awaitTask(f.model->removeTester(testerID));
@@ -150,7 +193,7 @@ private Q_SLOTS:
         VarnisTest::awaitTask(f.model->createGroup());
         QCOMPARE(f.model->groupActionError(), immediate);
 
-        f.model->requestDeleteGroup(groupID.isEmpty() ? u"g-ext"_s : groupID);
+        f.model->requestDeleteGroup(groupID);
         QCOMPARE(f.model->groupActionError(), sheetBlocked);
         QCOMPARE(f.model->pendingWrite().has_value(), sheetBlocked.isEmpty());
         QCOMPARE(f.writes(), 0);
@@ -174,34 +217,43 @@ private Q_SLOTS:
     }
 
     // A deleted group leaves the list; when it was the selected one, nothing is selected and its
-    // testers are gone from the screen. Deleting another group keeps the selection.
+    // testers are gone from the screen. Deleting another group keeps the selection; an internal
+    // group is Apple's to remove and gets no sheet.
     void deleteRemovesTheGroup_data() {
+        QTest::addColumn<QString>("selected");
         QTest::addColumn<QString>("groupID");
+        QTest::addColumn<bool>("asks");
         QTest::addColumn<QString>("selectedAfter");
-        QTest::newRow("the selected group") << u"g-ext"_s << QString();
-        QTest::newRow("another group") << u"g-int"_s << u"g-ext"_s;
+        QTest::newRow("the selected group") << u"g-ext"_s << u"g-ext"_s << true << QString();
+        QTest::newRow("another group") << u"g-int"_s << u"g-ext"_s << true << u"g-int"_s;
+        QTest::newRow("an internal group") << u"g-ext"_s << u"g-int"_s << false << u"g-ext"_s;
     }
 
     void deleteRemovesTheGroup() {
+        QFETCH(QString, selected);
         QFETCH(QString, groupID);
+        QFETCH(bool, asks);
         QFETCH(QString, selectedAfter);
         Fixture f;
         f.addAccount();
         f.scriptGroups();
         f.transport->script("DELETE", u"/v1/betaGroups/"_s + groupID, {Answer::json(204, {})});
         f.load();
-        QCOMPARE(f.model->selectedGroupID(), u"g-ext"_s);
-        QCOMPARE(f.model->testers().size(), 2);
+        f.model->selectGroup(selected);
+        QTRY_VERIFY(!f.model->isLoadingTesters());
+        QCOMPARE(f.model->selectedGroupID(), selected);
+        const qsizetype testersShown = f.model->testerRows()->count();
         f.model->requestDeleteGroup(groupID);
-        QVERIFY(f.model->pendingWrite());
-        f.model->confirmPendingWrite();
-        QTRY_COMPARE(f.model->groups().size(), 1);
-        QCOMPARE(f.model->groupRows()->count(), 1);
+        QCOMPARE(f.model->pendingWrite().has_value(), asks);
+        if (asks) {
+            f.model->confirmPendingWrite();
+            QTRY_COMPARE(f.model->groups().size(), 1);
+            QCOMPARE(f.model->statusMessage(), u"Gruppe „Freunde“ gelöscht."_s);
+        }
+        QCOMPARE(f.model->groupRows()->count(), f.model->groups().size());
         QCOMPARE(f.model->selectedGroupID(), selectedAfter);
-        QCOMPARE(f.model->testerRows()->count(), selectedAfter.isEmpty() ? 0 : 2);
-        QCOMPARE(f.model->statusMessage(),
-                 u"Gruppe „"_s + (groupID == u"g-ext"_s ? u"Freunde"_s : u"Team"_s) + u"“ gelöscht."_s);
-        QCOMPARE(f.writes(), 1);
+        QCOMPARE(f.model->testerRows()->count(), selectedAfter.isEmpty() ? 0 : testersShown);
+        QCOMPARE(f.writes(), asks ? 1 : 0);
     }
 
     // "Laufen bald ab" counts what expires in less than 14 days from the clock's now and has not
@@ -322,6 +374,201 @@ private Q_SLOTS:
         QCOMPARE(f.model->assignmentRows()->value(row, TestFlightViewModel::AssignmentIsAssigned).toBool(),
                  assignedAfter.contains(groupID));
         QCOMPARE(f.writes(), 1);
+    }
+
+    // The import goes in chunks of 1000. A refused tester stops it: what went before stays with
+    // Apple and is counted, the rest is not sent, and the preview stays for another try.
+    void importSendsInChunks_data() {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("failAt");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("all taken") << 3 << 0 << u"3 Tester an Apple übergeben."_s << QString();
+        QTest::newRow("refused in the second chunk")
+            << 1001 << 1001 << QString()
+            << u"Nach 1000 von 1001 Testern abgebrochen, der Rest wurde nicht gesendet: "_s;
+        QTest::newRow("refused in the first chunk")
+            << 5 << 3 << QString() << u"Nach 2 von 5 Testern abgebrochen, der Rest wurde nicht gesendet: "_s;
+    }
+
+    void importSendsInChunks() {
+        QFETCH(int, count);
+        QFETCH(int, failAt);
+        QFETCH(QString, status);
+        QFETCH(QString, error);
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.scriptTesterPosts(failAt);
+        f.load();
+        f.preview(count);
+        const PendingWrite write = f.takeImport();
+        QCOMPARE(write.title, u"Tester importieren"_s);
+        QCOMPARE(write.changes.last().field, u"Anfragen an Apple"_s);
+        QVERIFY(
+            write.changes.last().after.startsWith(u"Der Import kostet "_s + QString::number(count).left(1)));
+        const int testerReads = f.transport->requests().size();
+        VarnisTest::awaitTask(write.perform());
+
+        QCOMPARE(f.sentTesters, failAt ? failAt : count);
+        QCOMPARE(f.model->statusMessage(), status);
+        QVERIFY2(f.model->addTesterError().startsWith(error), qPrintable(f.model->addTesterError()));
+        QCOMPARE(f.model->addTesterError().isEmpty(), error.isEmpty());
+        QCOMPARE(f.model->importPreview().has_value(), failAt != 0);
+        QVERIFY(!f.model->isImporting());
+        QVERIFY(f.state->taskCenter().tasks().isEmpty());
+        // After a success the group's testers are read again, past the cache.
+        const int readsAfter = f.transport->requests().size() - testerReads - f.sentTesters;
+        QCOMPARE(readsAfter, failAt ? 0 : 1);
+    }
+
+    // Cancelling in the task bar stops before the next tester; the one under way still counts.
+    void cancelStopsTheImport() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        f.scriptTesterPosts(0);
+        f.load();
+        f.preview(3);
+        const PendingWrite write = f.takeImport();
+        f.transport->holdReplies(true);
+        auto running = write.perform();
+        QTRY_COMPARE(f.transport->heldCount(), 1);
+        QCOMPARE(f.state->taskCenter().tasks().size(), 1);
+        const BackgroundTask task = f.state->taskCenter().tasks().first();
+        QVERIFY(task.isCancellable);
+        QCOMPARE(task.detail, std::optional<QString>(u"0 von 3 übergeben"_s));
+        f.state->taskCenter().cancel(task.id);
+        f.transport->holdReplies(false);
+        f.transport->releaseHeld();
+        VarnisTest::awaitTask(std::move(running));
+        QCOMPARE(f.sentTesters, 1);
+        QCOMPARE(f.model->statusMessage(), u"Import abgebrochen: 1 von 3 Testern an Apple übergeben."_s);
+        QVERIFY(f.model->importPreview().has_value());
+        QVERIFY(f.state->taskCenter().tasks().isEmpty());
+    }
+
+    // A list of 200,000 lines is read and parsed beside the window's thread: the call returns
+    // at once, and the event loop keeps running until the preview is there.
+    void largeFileIsReadBesideTheWindow() {
+        Fixture f;
+        f.state->setDemoModeEnabled(true);
+        f.load();
+        QFile file(f.dir.filePath(u"gross.csv"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QByteArray text;
+        for (int i = 0; i < 200000; ++i) {
+            text += i % 3 == 0   ? QByteArray("p") + QByteArray::number(i) + "@example.com;Vor;Nach\n"
+                    : i % 3 == 1 ? QByteArray("\"Nach, Vor\",p") + QByteArray::number(i) + "@example.com\r\n"
+                                 : QByteArray("p") + QByteArray::number(i) + "@example.com\tVor\n";
+        }
+        file.write(text);
+        file.close();
+        int ticks = 0;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
+        timer.start(0);
+        auto reading = f.model->previewImport(QUrl::fromLocalFile(file.fileName()));
+        QVERIFY(f.model->isReadingImportFile());
+        VarnisTest::awaitTask(std::move(reading));
+        QVERIFY(ticks > 0);
+        QCOMPARE(f.model->importPreview()->testers.size(), 200000);
+        QCOMPARE(f.model->importNameRows()->count(), 200);
+        QCOMPARE(f.model->importMoreNames(), u"199800 weitere"_s);
+    }
+
+    // A new group is made external by its trimmed name, the list is read past the cache, and
+    // the new group is the selected one.
+    void createdGroupIsSelected() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        QByteArray sent;
+        bool created = false;
+        f.transport->route("POST", u"/v1/betaGroups"_s, [&](const HttpRequest& request) {
+            sent = request.body;
+            created = true;
+            return Answer::json(
+                201, JsonApi::single(resource(u"betaGroups"_s, u"g-new"_s,
+                                              {{u"name"_s, u"Presse"_s}, {u"isInternalGroup"_s, false}})));
+        });
+        f.transport->route("GET", u"/v1/apps/app-1/betaGroups"_s, [&](const HttpRequest&) {
+            QJsonArray groups{resource(u"betaGroups"_s, u"g-ext"_s,
+                                       {{u"name"_s, u"Freunde"_s}, {u"isInternalGroup"_s, false}})};
+            if (created) {
+                groups.append(resource(u"betaGroups"_s, u"g-new"_s,
+                                       {{u"name"_s, u"Presse"_s}, {u"isInternalGroup"_s, false}}));
+            }
+            return Answer::json(200, page(groups));
+        });
+        f.transport->script("GET", u"/v1/betaGroups/g-new/betaTesters"_s, {Answer::json(200, page({}))});
+        f.load();
+        QCOMPARE(f.model->groups().size(), 1);
+        f.model->setCreatingGroup(true);
+        f.model->setNewGroupName(u"  Presse "_s);
+        VarnisTest::awaitTask(f.model->createGroup());
+        const QJsonObject data = QJsonDocument::fromJson(sent).object()[u"data"_s].toObject();
+        QCOMPARE(data[u"attributes"_s][u"name"_s].toString(), u"Presse"_s);
+        QCOMPARE(data[u"relationships"_s][u"app"_s][u"data"_s][u"id"_s].toString(), u"app-1"_s);
+        QCOMPARE(f.model->groups().size(), 2);
+        QCOMPARE(f.model->selectedGroupID(), u"g-new"_s);
+        QCOMPARE(f.model->testers().size(), 0);
+        QVERIFY(!f.model->isCreatingGroup());
+        QCOMPARE(f.model->newGroupName(), QString());
+        QCOMPARE(f.model->statusMessage(), u"Gruppe „Presse“ angelegt."_s);
+    }
+
+    // The settings go out without the switch Apple does not take here, and Apple's answer
+    // replaces the group in the list, the selection and the sheet.
+    void settingsReplaceTheGroup() {
+        Fixture f;
+        f.addAccount();
+        f.scriptGroups();
+        QByteArray sent;
+        f.transport->route("PATCH", u"/v1/betaGroups/g-ext"_s, [&sent](const HttpRequest& request) {
+            sent = request.body;
+            return Answer::json(200, JsonApi::single(resource(u"betaGroups"_s, u"g-ext"_s,
+                                                              {{u"name"_s, u"Gute Freunde"_s},
+                                                               {u"isInternalGroup"_s, false},
+                                                               {u"publicLinkEnabled"_s, true},
+                                                               {u"hasAccessToAllBuilds"_s, true}})));
+        });
+        f.load();
+        f.model->openGroupSettings(u"g-ext"_s);
+        QCOMPARE(f.model->settingsName(), u"Freunde"_s);
+        f.model->setSettingsName(u"  Gute Freunde "_s);
+        f.model->setSettingsPublicLinkEnabled(true);
+        QCOMPARE(f.model->settingsNote(), u"Apple erzeugt den Link, sobald die Änderung gespeichert ist."_s);
+        VarnisTest::awaitTask(f.model->saveGroupSettings());
+
+        const QJsonObject attributes =
+            QJsonDocument::fromJson(sent).object()[u"data"_s][u"attributes"_s].toObject();
+        QCOMPARE(attributes[u"name"_s].toString(), u"Gute Freunde"_s);
+        QVERIFY(attributes[u"publicLinkEnabled"_s].toBool());
+        QVERIFY(!attributes.contains(u"hasAccessToAllBuilds"_s));
+        QCOMPARE(f.model->selectedGroupName(), u"Gute Freunde"_s);
+        QCOMPARE(f.model->groupRows()
+                     ->value(f.model->groupRows()->indexOfKey(u"g-ext"_s), TestFlightViewModel::GroupName)
+                     .toString(),
+                 u"Gute Freunde"_s);
+        QVERIFY(f.model->groups().first().hasAccessToAllBuilds);
+        QCOMPARE(f.model->statusMessage(), u"Gruppe „Gute Freunde“ aktualisiert."_s);
+        QCOMPARE(f.model->settingsGroupID(), QString());
+        QCOMPARE(f.model->groupActionError(), QString());
+    }
+
+    // A file that cannot be read says why in German and leaves the preview as it was.
+    void unreadableFileKeepsThePreview() {
+        Fixture f;
+        f.state->setDemoModeEnabled(true);
+        f.load();
+        f.preview(2);
+        const QString missing = f.dir.filePath(u"fehlt.csv"_s);
+        VarnisTest::awaitTask(f.model->previewImport(QUrl::fromLocalFile(missing)));
+        QCOMPARE(f.model->addTesterError(),
+                 u"Die Datei konnte nicht gelesen werden: Unter „"_s + missing + u"“ gibt es keine Datei."_s);
+        QCOMPARE(f.model->importPreview()->testers.size(), 2);
+        QCOMPARE(f.model->importFooter(), u"2 Tester bereit"_s);
     }
 };
 

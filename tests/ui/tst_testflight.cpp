@@ -6,7 +6,11 @@
 #include "workspace/SectionHost.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QDropEvent>
+#include <QFile>
+#include <QMimeData>
 #include <QQuickItem>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -124,6 +128,55 @@ private Q_SLOTS:
         QTRY_COMPARE(m_model->assignmentError(), WriteGate::demoMessage());
         QVERIFY(clickNamed(mainWindow(), u"closeAssignmentButton"_s));
         QTRY_COMPARE(m_model->assignmentBuildID(), QString());
+    }
+
+    // A file dropped on the page is read off the UI thread and shown in the import sheet; the
+    // same call takes the file the dialog returns.
+    void droppedFileShowsThePreview() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"tester.csv"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("E-Mail;Vorname\r\nanna@example.com;Anna\r\nkeine Adresse\r\nANNA@example.com;Doppelt\r\n"
+                   "ben@example.com\r\n");
+        file.close();
+        const ManagedBetaGroup external = m_model->groups().at(1);
+        QVERIFY(clickNamed(mainWindow(), u"group_"_s + external.id));
+        QTRY_COMPARE(m_model->selectedGroupID(), external.id);
+
+        QQuickItem* page = findItem(mainWindow(), u"testerFileDropArea"_s);
+        QVERIFY(page);
+        const QPoint at = page->mapToScene(QPointF(page->width() / 2, page->height() / 2)).toPoint();
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(path)});
+        QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(mainWindow(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(mainWindow(), &move);
+        QDropEvent drop(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(mainWindow(), &drop);
+
+        QTRY_VERIFY(m_model->importPreview().has_value());
+        QQuickItem* footer = findItem(mainWindow(), u"importFooter"_s);
+        QVERIFY(footer);
+        QCOMPARE(footer->property("text").toString(), u"2 Tester bereit"_s);
+        QVERIFY(findText(mainWindow(), u"Ziel: "_s + external.name));
+        QVERIFY(findText(mainWindow(), u"Anna <anna@example.com>"_s));
+        QVERIFY(findText(mainWindow(), u"Zeile 3"_s));
+        QVERIFY(findText(mainWindow(), u"1 Adresse kam mehrfach vor und wurde nur einmal übernommen."_s));
+        shoot(mainWindow(), u"testflight-import-preview"_s);
+
+        QVERIFY(clickNamed(mainWindow(), u"confirmImportButton"_s));
+        QVERIFY(findItem(mainWindow(), u"confirmWriteButton"_s));
+        QVERIFY(findText(mainWindow(), u"2 Adressen"_s));
+        QVERIFY(clickNamed(mainWindow(), u"confirmWriteButton"_s));
+        QTRY_COMPARE(m_model->statusMessage(),
+                     u"Demo-Modus: „Tester importieren“ wurde nur angezeigt – an Apple ging nichts."_s);
+        QCOMPARE(m_model->testers().size(), 3);
     }
 };
 
