@@ -60,28 +60,29 @@ private:
     bool m_ok = true;
 };
 
-bool needsCsvQuotes(QByteArrayView field) {
-    for (const char c : field) {
-        if (c == ',' || c == '"' || c == '\n') {
-            return true;
-        }
-    }
-    return false;
-}
-
+// Copies the field and looks for the bytes that need quotes in the same pass; the loop has no
+// early exit, so the compiler turns it into vector instructions. Most fields need no quotes.
 void appendCsvField(PieceWriter& out, QByteArrayView field) {
-    if (!needsCsvQuotes(field)) {
-        out.append(field);
+    const qsizetype size = field.size();
+    const char* from = field.data();
+    char* at = out.reserve(2 * size + 2);
+    bool special = false;
+    for (qsizetype i = 0; i < size; ++i) {
+        const char c = from[i];
+        at[i] = c;
+        special |= (c == ',') | (c == '"') | (c == '\n');
+    }
+    if (!special) {
+        out.advance(size);
         return;
     }
-    char* at = out.reserve(2 * field.size() + 2);
     char* p = at;
     *p++ = '"';
-    for (const char c : field) {
-        if (c == '"') {
+    for (qsizetype i = 0; i < size; ++i) {
+        if (from[i] == '"') {
             *p++ = '"';
         }
-        *p++ = c;
+        *p++ = from[i];
     }
     *p++ = '"';
     out.advance(p - at);
