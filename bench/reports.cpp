@@ -5,8 +5,10 @@
 //
 //   bench_reports [rows]           the comparison, medians of three runs each
 //   bench_reports --stage load F   one load in this process (used by the comparison)
+//   bench_reports --stage export F OUT   one CSV export of the loaded report into OUT
 #include "reports/AnalyticsTable.h"
 #include "reports/GzipDecoder.h"
+#include "reports/ReportExport.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -145,6 +147,65 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+// One CSV export of the whole table into `out`, the loading not counted; prints "seconds bytes".
+int exportStage(const QString& path, const QString& out) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 1;
+    }
+    const AnalyticsTable table = AnalyticsTable::parseTSV(GzipDecoder::decompress(file.readAll()));
+    QElapsedTimer timer;
+    timer.start();
+    if (const auto failure = ReportExport::writeFile(table, ReportExport::Format::Csv, out)) {
+        std::fprintf(stderr, "%s\n", qPrintable(*failure));
+        return 1;
+    }
+    std::printf("%.4f %lld\n", double(timer.nsecsElapsed()) / 1e9, QFileInfo(out).size());
+    return 0;
+}
+
+// The CSV export against `cat` of the unpacked report, medians of three runs each.
+int compareExport(const QString& path) {
+    const QString unpacked = QDir::temp().filePath(QFileInfo(path).completeBaseName());
+    if (!QFileInfo::exists(unpacked)) {
+        QFile in(path);
+        QFile text(unpacked);
+        if (!in.open(QIODevice::ReadOnly) || !text.open(QIODevice::WriteOnly) ||
+            text.write(GzipDecoder::decompress(in.readAll())) < 0) {
+            qFatal("cannot write the unpacked report");
+        }
+    }
+    const QString out = QDir::temp().filePath(u"varnis-bench-export.csv"_s);
+    std::vector<double> cat;
+    std::vector<double> exported;
+    for (int run = 0; run < 3; ++run) {
+        QProcess reader;
+        reader.setStandardOutputFile(QProcess::nullDevice());
+        QElapsedTimer timer;
+        timer.start();
+        reader.start(u"cat"_s, {unpacked});
+        reader.waitForFinished(120000);
+        cat.push_back(double(timer.nsecsElapsed()) / 1e9);
+
+        QProcess stage;
+        stage.start(QCoreApplication::applicationFilePath(), {u"--stage"_s, u"export"_s, path, out});
+        stage.waitForFinished(300000);
+        const QList<QByteArray> figures = stage.readAllStandardOutput().trimmed().split(' ');
+        if (stage.exitCode() != 0 || figures.size() != 2) {
+            std::fprintf(stderr, "export failed\n");
+            return 1;
+        }
+        exported.push_back(figures[0].toDouble());
+        std::printf("run %d: cat %.3f s, export csv %.3f s, %.0f MiB\n", run + 1, cat.back(), exported.back(),
+                    figures[1].toDouble() / (1024.0 * 1024.0));
+    }
+    QFile::remove(out);
+    std::printf("  cat FILE > /dev/null           %7.3f s\n", median(cat));
+    std::printf("  export csv into a file         %7.3f s   ratio %.2f (target <= 1.5)\n", median(exported),
+                median(exported) / median(cat));
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -152,6 +213,9 @@ int main(int argc, char** argv) {
     const QStringList args = QCoreApplication::arguments();
     if (args.size() == 4 && args[1] == u"--stage"_s && args[2] == u"load"_s) {
         return loadStage(args[3]);
+    }
+    if (args.size() == 5 && args[1] == u"--stage"_s && args[2] == u"export"_s) {
+        return exportStage(args[3], args[4]);
     }
     const int rows = args.size() > 1 ? std::max(1, args[1].toInt()) : 1000000;
     const QString path = reportFile(rows);
@@ -195,5 +259,5 @@ int main(int argc, char** argv) {
         "  peak memory of the load        %7.0f MiB  %.2f x unpacked (target <= 1.2); %.0f MiB over the "
         "process's start\n",
         double(peakKB) / 1024.0, double(peakKB) / 1024.0 / unpackedMB, double(peakKB - baseKB) / 1024.0);
-    return 0;
+    return compareExport(path);
 }

@@ -7,6 +7,7 @@
 #include "cli/AuditLogCommand.h"
 #include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/ReportArchiveCommand.h"
 #include "cli/TestFlightCommand.h"
 
 #include <QFile>
@@ -49,6 +50,8 @@ const QList<Command>& commandTable() {
          TestFlightCommand::declareNotes, TestFlightCommand::notes},
         {u"bulk whats-new"_s, u"setzt „Neu in dieser Version“ für viele Apps; ohne --yes nur als Vorschau"_s,
          BulkCommand::declareWhatsNew, BulkCommand::whatsNew},
+        {u"report archive"_s, u"zeigt die abgelegten Berichte oder exportiert einen als CSV oder JSON"_s,
+         ReportArchiveCommand::declare, ReportArchiveCommand::run},
     };
     return table;
 }

@@ -18,6 +18,8 @@ QString germanFileError(int systemError) {
         return u"Der Datenträger ist schreibgeschützt."_s;
     case EISDIR:
         return u"Dort liegt ein Ordner, keine Datei."_s;
+    case ENOTDIR:
+        return u"Ein Teil des Pfads ist eine Datei, kein Ordner."_s;
     case ENAMETOOLONG:
         return u"Der Name ist zu lang."_s;
     case EIO:

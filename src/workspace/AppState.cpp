@@ -13,6 +13,7 @@
 #include "release/BuildsService.h"
 #include "release/VersionsService.h"
 #include "reports/AnalyticsService.h"
+#include "reports/ReportArchiveStore.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
@@ -65,6 +66,8 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_analyticsService = std::make_unique<AnalyticsService>(
         m_platform.clock, QDir(m_platform.paths.cacheDirectory()).filePath(u"analytics"_s));
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
+    m_reportArchive = std::make_unique<ReportArchiveStore>(
+        ReportArchiveStore::standardDirectory(m_platform.paths), m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(
         std::make_shared<TaskCenterWaitAnnouncer>(m_taskCenter.get(), m_platform.clock));

@@ -23,6 +23,7 @@ class TestFlightService;
 class AnalyticsService;
 class LocalizationsService;
 class MetadataDraftStore;
+class ReportArchiveStore;
 struct Account;
 
 // The one object that holds the running application together: it owns the stores and
@@ -49,6 +50,7 @@ public:
     TestFlightService& testFlightService() const { return *m_testFlightService; }
     AnalyticsService& analyticsService() const { return *m_analyticsService; }
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
+    ReportArchiveStore& reportArchive() const { return *m_reportArchive; }
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
@@ -126,6 +128,7 @@ private:
     std::unique_ptr<TestFlightService> m_testFlightService;
     std::unique_ptr<AnalyticsService> m_analyticsService;
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
+    std::unique_ptr<ReportArchiveStore> m_reportArchive;
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;
