@@ -177,15 +177,21 @@ int compareExport(const QString& path) {
     }
     const QString out = QDir::temp().filePath(u"varnis-bench-export.csv"_s);
     std::vector<double> cat;
+    std::vector<double> catToFile;
     std::vector<double> exported;
     for (int run = 0; run < 3; ++run) {
-        QProcess reader;
-        reader.setStandardOutputFile(QProcess::nullDevice());
-        QElapsedTimer timer;
-        timer.start();
-        reader.start(u"cat"_s, {unpacked});
-        reader.waitForFinished(120000);
-        cat.push_back(double(timer.nsecsElapsed()) / 1e9);
+        // cat into /dev/null only reads; into a file next to ours it does what an export must do
+        // at the least, write the bytes.
+        for (const QString& target : {QProcess::nullDevice(), out}) {
+            QProcess reader;
+            reader.setStandardOutputFile(target);
+            QElapsedTimer timer;
+            timer.start();
+            reader.start(u"cat"_s, {unpacked});
+            reader.waitForFinished(120000);
+            (target == out ? catToFile : cat).push_back(double(timer.nsecsElapsed()) / 1e9);
+        }
+        QFile::remove(out);
 
         QProcess stage;
         stage.start(QCoreApplication::applicationFilePath(), {u"--stage"_s, u"export"_s, path, out});
@@ -201,8 +207,11 @@ int compareExport(const QString& path) {
     }
     QFile::remove(out);
     std::printf("  cat FILE > /dev/null           %7.3f s\n", median(cat));
-    std::printf("  export csv into a file         %7.3f s   ratio %.2f (target <= 1.5)\n", median(exported),
-                median(exported) / median(cat));
+    std::printf("  cat FILE > OTHER               %7.3f s\n", median(catToFile));
+    std::printf(
+        "  export csv into a file         %7.3f s   ratio %.2f to cat > /dev/null, %.2f to cat > OTHER "
+        "(target <= 1.5)\n",
+        median(exported), median(exported) / median(cat), median(exported) / median(catToFile));
     return 0;
 }
 

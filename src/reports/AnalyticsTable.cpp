@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Never part of valid UTF-8, so it can stand between the cells of the cleaned text.
-constexpr char separator = char(0xFF);
+constexpr char separator = AnalyticsTable::cellSeparator;
 
 // Below this the second thread costs more than it saves.
 constexpr qint64 parallelFromBytes = 8 * 1024 * 1024;
@@ -228,6 +228,10 @@ QByteArrayView AnalyticsTable::cellView(qsizetype row, qsizetype column) const {
     }
     const qsizetype next = rest.indexOf(separator);
     return next < 0 ? rest : rest.first(next);
+}
+
+QByteArrayView AnalyticsTable::rowText(qsizetype row) const {
+    return d->rowBytes(row);
 }
 
 QString AnalyticsTable::cell(qsizetype row, qsizetype column) const {

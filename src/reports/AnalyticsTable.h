@@ -37,6 +37,11 @@ public:
     QStringList row(qsizetype row) const;
     // Every cell of the row, in one pass over it.
     QList<QByteArrayView> cellViews(qsizetype row) const;
+    // The row's cleaned text: its cells, each followed by `cellSeparator` but the last. A cell
+    // never holds a quote, a line feed or a carriage return (the cleaning took them), so a
+    // writer can often take a row whole.
+    QByteArrayView rowText(qsizetype row) const;
+    static constexpr char cellSeparator = char(0xFF);
 
     // The first column of this name, compared without regard to case.
     std::optional<qsizetype> index(QStringView name) const;

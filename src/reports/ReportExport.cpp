@@ -99,6 +99,15 @@ bool writeCsv(const AnalyticsTable& table, PieceWriter& out) {
     const qsizetype rows = table.rowCount();
     for (qsizetype r = 0; r < rows && out.ok(); ++r) {
         out.append('\n');
+        // The cleaning left no quote and no line end in a cell: without a comma the row needs
+        // no quoting at all and goes over whole, separators turned into commas.
+        const QByteArrayView text = table.rowText(r);
+        if (!text.contains(',')) {
+            char* at = out.reserve(text.size());
+            std::replace_copy(text.begin(), text.end(), at, AnalyticsTable::cellSeparator, ',');
+            out.advance(text.size());
+            continue;
+        }
         const QList<QByteArrayView> cells = table.cellViews(r);
         for (qsizetype c = 0; c < cells.size(); ++c) {
             if (c > 0) {
@@ -282,12 +291,29 @@ bool ReportExport::writeTsv(const AnalyticsTable& table, const Sink& sink) {
     const qsizetype rows = table.rowCount();
     for (qsizetype r = 0; r < rows && out.ok(); ++r) {
         out.append('\n');
+        // The cells joined by tabs, separators turned into tabs. A tab inside a cell came
+        // quoted and goes back quoted, so that reading the file again gives the same cells; no
+        // cell holds a quote of its own.
+        const QByteArrayView text = table.rowText(r);
+        if (!text.contains('\t')) {
+            char* at = out.reserve(text.size());
+            std::replace_copy(text.begin(), text.end(), at, AnalyticsTable::cellSeparator, '\t');
+            out.advance(text.size());
+            continue;
+        }
         const QList<QByteArrayView> cells = table.cellViews(r);
         for (qsizetype c = 0; c < cells.size(); ++c) {
             if (c > 0) {
                 out.append('\t');
             }
+            const bool quoted = cells[c].contains('\t');
+            if (quoted) {
+                out.append('"');
+            }
             out.append(cells[c]);
+            if (quoted) {
+                out.append('"');
+            }
         }
     }
     return out.flush();

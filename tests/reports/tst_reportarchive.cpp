@@ -119,6 +119,15 @@ private Q_SLOTS:
         QCOMPARE(store.reopen(entries[0].fileName)->cell(0, 0), u"3"_s);
     }
 
+    // What is kept reads back as the same cells, a quoted tab, a comma and umlauts included.
+    void reopenGivesTheSameTable() {
+        QTemporaryDir root;
+        ReportArchiveStore store(root.path(), std::make_shared<ManualClock>());
+        const AnalyticsTable kept = table("Title\tUnits\n\"Mein\tSpiel\"\t1,5\nGrüße\t\t\n");
+        const auto entry = std::get<ReportArchiveStore::Entry>(store.store(kept, salesMonth()));
+        QVERIFY(*store.reopen(entry.fileName) == kept);
+    }
+
     void damagedIndexLeavesTheRest_data() {
         QTest::addColumn<QByteArray>("index");
         QTest::addColumn<int>("readable");
