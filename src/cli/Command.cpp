@@ -5,6 +5,8 @@
 #include "cli/AuditLogCommand.h"
 #include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/ReportCommand.h"
+#include "cli/SalesCommand.h"
 #include "cli/TestFlightCommand.h"
 
 #include <QFile>
@@ -47,6 +49,12 @@ const QList<Command>& commandTable() {
          TestFlightCommand::declareNotes, TestFlightCommand::notes},
         {u"bulk whats-new"_s, u"setzt „Neu in dieser Version“ für viele Apps; ohne --yes nur als Vorschau"_s,
          BulkCommand::declareWhatsNew, BulkCommand::whatsNew},
+        {u"report inspect"_s, u"zeigt Spalten, Zeilen und Zusammenfassung einer Berichtsdatei, ohne Netz"_s,
+         ReportCommand::declareInspect, ReportCommand::inspect},
+        {u"sales get"_s, u"lädt einen Verkaufsbericht von Apple und fasst ihn zusammen"_s,
+         SalesCommand::declareSalesGet, SalesCommand::salesGet},
+        {u"finance get"_s, u"lädt einen Finanzbericht von Apple und fasst ihn zusammen"_s,
+         SalesCommand::declareFinanceGet, SalesCommand::financeGet},
     };
     return table;
 }

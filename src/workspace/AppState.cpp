@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "release/BuildsService.h"
 #include "release/VersionsService.h"
+#include "reports/SalesReportsService.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
@@ -61,6 +62,7 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
         std::make_shared<DiskCache>(m_platform.paths.cacheDirectory(), m_platform.clock), m_platform.clock);
     m_testFlightService = std::make_unique<TestFlightService>(m_platform.clock);
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
+    m_salesReportsService = std::make_unique<SalesReportsService>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(
         std::make_shared<TaskCenterWaitAnnouncer>(m_taskCenter.get(), m_platform.clock));

@@ -22,6 +22,7 @@ class BuildsService;
 class TestFlightService;
 class LocalizationsService;
 class MetadataDraftStore;
+class SalesReportsService;
 struct Account;
 
 // The one object that holds the running application together: it owns the stores and
@@ -47,6 +48,7 @@ public:
     BuildsService& buildsService() const { return *m_buildsService; }
     TestFlightService& testFlightService() const { return *m_testFlightService; }
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
+    SalesReportsService& salesReportsService() const { return *m_salesReportsService; }
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
@@ -123,6 +125,7 @@ private:
     std::unique_ptr<BuildsService> m_buildsService;
     std::unique_ptr<TestFlightService> m_testFlightService;
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
+    std::unique_ptr<SalesReportsService> m_salesReportsService;
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;
