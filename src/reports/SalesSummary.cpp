@@ -2,9 +2,14 @@
 
 #include <QLocale>
 
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// Below this the second thread costs more than it saves.
+constexpr qsizetype parallelFromRows = 100000;
 
 std::optional<QString> firstValue(const AnalyticsTable& table, std::optional<qsizetype> column) {
     if (!column) {
@@ -49,26 +54,47 @@ SalesSummary SalesSummary::of(const AnalyticsTable& table) {
     const auto perUnitColumn = table.index(u"Developer Proceeds");
     const bool weighted = !shareColumn && unitsColumn && perUnitColumn;
 
-    ReportDecimal units;
-    ReportDecimal proceeds;
-    for (qsizetype row = 0; row < summary.rowCount; ++row) {
-        std::optional<ReportDecimal> rowUnits;
-        if (unitsColumn) {
-            rowUnits = ReportDecimal::parse(table.cellView(row, *unitsColumn));
-            if (rowUnits) {
-                units += *rowUnits;
+    struct Sums {
+        ReportDecimal units;
+        ReportDecimal proceeds;
+    };
+    const auto add = [&](qsizetype begin, qsizetype end) {
+        Sums sums;
+        for (qsizetype row = begin; row < end; ++row) {
+            std::optional<ReportDecimal> rowUnits;
+            if (unitsColumn) {
+                rowUnits = ReportDecimal::parse(table.cellView(row, *unitsColumn));
+                if (rowUnits) {
+                    sums.units += *rowUnits;
+                }
+            }
+            if (shareColumn) {
+                if (const auto share = ReportDecimal::parse(table.cellView(row, *shareColumn))) {
+                    sums.proceeds += *share;
+                }
+            } else if (weighted && rowUnits) {
+                if (const auto perUnit = ReportDecimal::parse(table.cellView(row, *perUnitColumn))) {
+                    sums.proceeds += *rowUnits * *perUnit;
+                }
             }
         }
-        if (shareColumn) {
-            if (const auto share = ReportDecimal::parse(table.cellView(row, *shareColumn))) {
-                proceeds += *share;
-            }
-        } else if (weighted && rowUnits) {
-            if (const auto perUnit = ReportDecimal::parse(table.cellView(row, *perUnitColumn))) {
-                proceeds += *rowUnits * *perUnit;
-            }
-        }
+        return sums;
+    };
+    // Exact sums do not depend on the order of adding: a large report is split over two threads.
+    Sums sums;
+    if (summary.rowCount >= parallelFromRows) {
+        const qsizetype middle = summary.rowCount / 2;
+        Sums second;
+        std::thread worker([&] { second = add(middle, summary.rowCount); });
+        sums = add(0, middle);
+        worker.join();
+        sums.units += second.units;
+        sums.proceeds += second.proceeds;
+    } else {
+        sums = add(0, summary.rowCount);
     }
+    const ReportDecimal units = sums.units;
+    const ReportDecimal proceeds = sums.proceeds;
     if (unitsColumn) {
         summary.units = units.truncated();
     }
