@@ -6,9 +6,12 @@
 //   bench_reports [rows]           the comparison, medians of three runs each
 //   bench_reports --stage load F   one load in this process (used by the comparison)
 //   bench_reports --stage export F OUT   one CSV export of the loaded report into OUT
+//   bench_reports --stage summary F  the sales summary over all rows of a loaded report
 #include "reports/AnalyticsTable.h"
 #include "reports/GzipDecoder.h"
 #include "reports/ReportExport.h"
+#include "reports/SalesReportsService.h"
+#include "reports/SalesSummary.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -142,6 +145,24 @@ int loadStage(const QString& path) {
     return 0;
 }
 
+// The summary of the sales screen over every row, the table already loaded; prints "seconds rows
+// units proceeds".
+int summaryStage(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 1;
+    }
+    const AnalyticsTable table = SalesReportsService::tableFromBytes(file.readAll());
+    file.close();
+    QElapsedTimer timer;
+    timer.start();
+    const SalesSummary summary = SalesSummary::of(table);
+    const double seconds = double(timer.nsecsElapsed()) / 1e9;
+    std::printf("%.4f %lld %lld %s\n", seconds, qint64(summary.rowCount), summary.units.value_or(-1),
+                qPrintable(summary.proceeds ? summary.proceeds->toString(2) : u"-"_s));
+    return 0;
+}
+
 double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
@@ -226,11 +247,16 @@ int main(int argc, char** argv) {
     if (args.size() == 5 && args[1] == u"--stage"_s && args[2] == u"export"_s) {
         return exportStage(args[3], args[4]);
     }
+    if (args.size() == 4 && args[1] == u"--stage"_s && args[2] == u"summary"_s) {
+        return summaryStage(args[3]);
+    }
     const int rows = args.size() > 1 ? std::max(1, args[1].toInt()) : 1000000;
     const QString path = reportFile(rows);
 
     std::vector<double> zcat;
     std::vector<double> load;
+    std::vector<double> summary;
+    QByteArray summaryFigures;
     qint64 peakKB = 0;
     qint64 baseKB = 0;
     qint64 unpacked = 0;
@@ -255,8 +281,19 @@ int main(int argc, char** argv) {
         peakKB = std::max(peakKB, figures[1].toLongLong());
         baseKB = figures[2].toLongLong();
         unpacked = figures[4].toLongLong();
-        std::printf("run %d: zcat %.3f s, load %.3f s, %lld rows\n", run + 1, zcat.back(), load.back(),
-                    figures[3].toLongLong());
+
+        QProcess summaryRun;
+        summaryRun.start(QCoreApplication::applicationFilePath(), {u"--stage"_s, u"summary"_s, path});
+        summaryRun.waitForFinished(120000);
+        const QList<QByteArray> summed = summaryRun.readAllStandardOutput().trimmed().split(' ');
+        if (summaryRun.exitCode() != 0 || summed.size() != 4) {
+            std::fprintf(stderr, "summary failed\n");
+            return 1;
+        }
+        summary.push_back(summed[0].toDouble());
+        summaryFigures = summed.mid(1).join(' ');
+        std::printf("run %d: zcat %.3f s, load %.3f s, summary %.1f ms, %lld rows\n", run + 1, zcat.back(),
+                    load.back(), summary.back() * 1000.0, figures[3].toLongLong());
     }
     const double unpackedMB = double(unpacked) / (1024.0 * 1024.0);
     std::printf("report of %d rows: %.0f MiB unpacked, %.1f MB gzip; medians of 3:\n", rows, unpackedMB,
@@ -264,6 +301,8 @@ int main(int argc, char** argv) {
     std::printf("  zcat FILE > /dev/null          %7.3f s\n", median(zcat));
     std::printf("  read, unpack, check, parse     %7.3f s   ratio %.2f (target <= 1.0)\n", median(load),
                 median(load) / median(zcat));
+    std::printf("  sales summary over all rows    %7.1f ms  (target <= 100 ms; rows, units, proceeds: %s)\n",
+                median(summary) * 1000.0, summaryFigures.constData());
     std::printf(
         "  peak memory of the load        %7.0f MiB  %.2f x unpacked (target <= 1.2); %.0f MiB over the "
         "process's start\n",

@@ -8,6 +8,8 @@
 #include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
 #include "cli/ReportArchiveCommand.h"
+#include "cli/ReportCommand.h"
+#include "cli/SalesCommand.h"
 #include "cli/TestFlightCommand.h"
 
 #include <QFile>
@@ -52,6 +54,12 @@ const QList<Command>& commandTable() {
          BulkCommand::declareWhatsNew, BulkCommand::whatsNew},
         {u"report archive"_s, u"zeigt die abgelegten Berichte oder exportiert einen als CSV oder JSON"_s,
          ReportArchiveCommand::declare, ReportArchiveCommand::run},
+        {u"report inspect"_s, u"zeigt Spalten, Zeilen und Zusammenfassung einer Berichtsdatei, ohne Netz"_s,
+         ReportCommand::declareInspect, ReportCommand::inspect},
+        {u"sales get"_s, u"lädt einen Verkaufsbericht von Apple und fasst ihn zusammen"_s,
+         SalesCommand::declareSalesGet, SalesCommand::salesGet},
+        {u"finance get"_s, u"lädt einen Finanzbericht von Apple und fasst ihn zusammen"_s,
+         SalesCommand::declareFinanceGet, SalesCommand::financeGet},
     };
     return table;
 }

@@ -14,6 +14,7 @@
 #include "release/VersionsService.h"
 #include "reports/AnalyticsService.h"
 #include "reports/ReportArchiveStore.h"
+#include "reports/SalesReportsService.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppsService.h"
@@ -68,6 +69,7 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_metadataDrafts = std::make_unique<MetadataDraftStore>(m_platform.clock);
     m_reportArchive = std::make_unique<ReportArchiveStore>(
         ReportArchiveStore::standardDirectory(m_platform.paths), m_platform.clock);
+    m_salesReportsService = std::make_unique<SalesReportsService>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(
         std::make_shared<TaskCenterWaitAnnouncer>(m_taskCenter.get(), m_platform.clock));

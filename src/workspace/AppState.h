@@ -24,6 +24,7 @@ class AnalyticsService;
 class LocalizationsService;
 class MetadataDraftStore;
 class ReportArchiveStore;
+class SalesReportsService;
 struct Account;
 
 // The one object that holds the running application together: it owns the stores and
@@ -51,6 +52,7 @@ public:
     AnalyticsService& analyticsService() const { return *m_analyticsService; }
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
     ReportArchiveStore& reportArchive() const { return *m_reportArchive; }
+    SalesReportsService& salesReportsService() const { return *m_salesReportsService; }
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
@@ -129,6 +131,7 @@ private:
     std::unique_ptr<AnalyticsService> m_analyticsService;
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
     std::unique_ptr<ReportArchiveStore> m_reportArchive;
+    std::unique_ptr<SalesReportsService> m_salesReportsService;
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;

@@ -3,3 +3,5 @@ varnis_add_test(NAME tst_analytics LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/
 varnis_add_test(NAME tst_reportarchive LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_reportarchive.cpp)
 # The archive's command runs in process, on the same store.
 target_link_libraries(tst_reportarchive PRIVATE varnis_cli)
+varnis_add_test(NAME tst_salesreports LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_salesreports.cpp)
+target_link_libraries(tst_salesreports PRIVATE varnis_cli)
