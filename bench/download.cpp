@@ -3,6 +3,7 @@
 // into /dev/null (the network side alone) and once into a file next to ours (the same work). The
 // server is a plain blocking loop on its own thread that sends one small buffer over and over,
 // so that neither its memory nor its speed stands in the way of the figures.
+#include "BenchSupport.h"
 #include "platform/Clock.h"
 #include "platform/QtHttpTransport.h"
 #include "support/AwaitTask.h"
@@ -29,6 +30,9 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using Bench::median;
+using Bench::resetPeak;
+using Bench::statusKB;
 
 namespace {
 
@@ -136,35 +140,12 @@ private:
     std::thread m_thread;
 };
 
-// A line of /proc/self/status in kB ("VmHWM", "VmRSS").
-qint64 statusKB(const char* key) {
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    const QByteArray prefix = QByteArray(key) + ':';
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith(prefix)) {
-            return line.mid(prefix.size()).trimmed().split(' ').constFirst().toLongLong();
-        }
-    }
-    return -1;
-}
-
 // CPU time used so far, user and system, by this process or by its finished children.
 qint64 cpuNanos(int who) {
     rusage usage{};
     ::getrusage(who, &usage);
     return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000000LL +
            (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1000LL;
-}
-
-// Forgets the peak of the resident set, so that the next VmHWM is the peak from here on.
-void resetPeak() {
-    QFile refs(u"/proc/self/clear_refs"_s);
-    if (refs.open(QIODevice::WriteOnly)) {
-        refs.write("5");
-    }
 }
 
 double megabytesPerSecond(qint64 bytes, double seconds) {
@@ -256,10 +237,6 @@ int main(int argc, char** argv) {
             theirsToFile.back(), theirsToFileCpu.back());
     }
 
-    const auto median = [](std::vector<double> values) {
-        std::sort(values.begin(), values.end());
-        return values[values.size() / 2];
-    };
     const double oursMedian = median(ours);
     const double theirsMedian = median(theirs);
     const double theirsToFileMedian = median(theirsToFile);

@@ -7,6 +7,7 @@
 //   bench_reports --stage load F   one load in this process (used by the comparison)
 //   bench_reports --stage export F OUT   one CSV export of the loaded report into OUT
 //   bench_reports --stage summary F  the sales summary over all rows of a loaded report
+#include "BenchSupport.h"
 #include "reports/AnalyticsTable.h"
 #include "reports/GzipDecoder.h"
 #include "reports/ReportExport.h"
@@ -27,30 +28,11 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using Bench::Lcg;
+using Bench::median;
+using Bench::statusKB;
 
 namespace {
-
-struct Lcg {
-    quint64 state = 0x9E3779B97F4A7C15ull;
-    quint32 next(quint32 bound) {
-        state = state * 6364136223846793005ull + 1442695040888963407ull;
-        return quint32(state >> 33) % bound;
-    }
-};
-
-qint64 statusKB(const char* key) {
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    const QByteArray prefix = QByteArray(key) + ':';
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith(prefix)) {
-            return line.mid(prefix.size()).trimmed().split(' ').constFirst().toLongLong();
-        }
-    }
-    return -1;
-}
 
 // The columns of Apple's summary sales report, and rows of plausible values.
 QByteArray generate(int rows) {
@@ -161,11 +143,6 @@ int summaryStage(const QString& path) {
     std::printf("%.4f %lld %lld %s\n", seconds, qint64(summary.rowCount), summary.units.value_or(-1),
                 qPrintable(summary.proceeds ? summary.proceeds->toString(2) : u"-"_s));
     return 0;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 // One CSV export of the whole table into `out`, the loading not counted; prints "seconds bytes".

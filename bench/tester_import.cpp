@@ -3,6 +3,7 @@
 // against the least any reader must do (UTF-8 decoding, then splitting by line and separator),
 // timed in the same run. Then the memory the import needs on top of the file's bytes, from the
 // process's peak resident size.
+#include "BenchSupport.h"
 #include "testflight/BetaTesterImportFile.h"
 #include "testflight/BetaTesterImportParsing.h"
 
@@ -18,17 +19,9 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using Bench::Lcg;
 
 namespace {
-
-// A fixed sequence, so that every run measures the same file.
-struct Lcg {
-    quint64 state = 0x9E3779B97F4A7C15ull;
-    quint32 next(quint32 bound) {
-        state = state * 6364136223846793005ull + 1442695040888963407ull;
-        return quint32(state >> 33) % bound;
-    }
-};
 
 QByteArray generate(int lines) {
     static const char* const first[] = {"Anna",  "Bernd", "Jörg", "Zoë",  "Mia",
@@ -89,39 +82,19 @@ BetaTesterImportParsing::Result import(const QByteArray& bytes) {
     return BetaTesterImportParsing::parse(BetaTesterImportFile::decode(bytes));
 }
 
-// Peak and current resident size in bytes, from /proc/self/status.
-qint64 statusValue(const char* key) {
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith(key)) {
-            return line.mid(qsizetype(qstrlen(key))).trimmed().split(' ').value(0).toLongLong() * 1024;
-        }
-    }
-    return -1;
-}
-
 // Forgets the peak so far: from here on VmHWM is the peak of what follows.
 bool resetPeak() {
     malloc_trim(0);
-    QFile clear(u"/proc/self/clear_refs"_s);
-    return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
+    return Bench::resetPeak();
 }
 
 template <typename Body> qint64 peakGrowth(Body&& body) {
     if (!resetPeak()) {
         return -1;
     }
-    const qint64 before = statusValue("VmRSS:");
+    const qint64 before = Bench::statusKB("VmRSS") * 1024;
     body();
-    return statusValue("VmHWM:") - before;
-}
-
-double medianMs(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
+    return Bench::statusKB("VmHWM") * 1024 - before;
 }
 
 } // namespace
@@ -164,16 +137,16 @@ int main(int argc, char** argv) {
         sink += BetaTesterImportParsing::parse(text).testers.size();
         parseTimes.push_back(double(timer.nsecsElapsed()) / 1e6);
     }
-    const double importMs = medianMs(importTimes);
-    const double baselineMs = medianMs(baselineTimes);
+    const double importMs = Bench::median(importTimes);
+    const double baselineMs = Bench::median(baselineTimes);
     const double ratio = importMs / baselineMs;
 
     std::printf("file: %d lines, %.2f MB; %lld testers, %d duplicates, %lld rejected lines, %lld fields\n",
                 lines, mb, static_cast<long long>(result.testers.size()), result.duplicateCount,
                 static_cast<long long>(result.rejectedLines.size()), static_cast<long long>(baselineFields));
     std::printf("import (decode + parse):          %8.1f ms (median of %d)\n", importMs, rounds);
-    std::printf("  decode alone:                   %8.1f ms\n", medianMs(decodeTimes));
-    std::printf("  parse alone:                    %8.1f ms\n", medianMs(parseTimes));
+    std::printf("  decode alone:                   %8.1f ms\n", Bench::median(decodeTimes));
+    std::printf("  parse alone:                    %8.1f ms\n", Bench::median(parseTimes));
     std::printf("baseline (fromUtf8 + split, split): %6.1f ms\n", baselineMs);
     std::printf("ratio: %.2fx (target <= 2x) %s\n", ratio, ratio <= 2.0 ? "met" : "MISSED");
     if (importPeak < 0) {
