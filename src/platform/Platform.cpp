@@ -3,6 +3,7 @@
 #include "platform/Clock.h"
 #include "platform/KeychainSecretStore.h"
 #include "platform/QtHttpTransport.h"
+#include "platform/UrlOpener.h"
 
 using namespace Qt::StringLiterals;
 
@@ -19,5 +20,6 @@ Platform Platform::standard() {
     platform.clock = std::make_shared<SystemClock>();
     platform.transport = std::make_shared<QtHttpTransport>(platform.clock);
     platform.secrets = std::make_shared<KeychainSecretStore>(QString::fromLatin1(keychainService));
+    platform.urlOpener = std::make_shared<DesktopUrlOpener>();
     return platform;
 }

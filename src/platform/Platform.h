@@ -9,6 +9,7 @@
 class Clock;
 class HttpTransport;
 class SecretStore;
+class UrlOpener;
 
 // The seams to the operating system, handed to AppState and from there to everything that needs
 // time, the network, secrets or files. Tests build one from fakes.
@@ -16,10 +17,12 @@ struct Platform {
     std::shared_ptr<Clock> clock;
     std::shared_ptr<HttpTransport> transport;
     std::shared_ptr<SecretStore> secrets;
+    // Absent where nothing may be opened (the command line, headless tests).
+    std::shared_ptr<UrlOpener> urlOpener;
     DataPaths paths = DataPaths::standard();
     QUrl apiRoot = defaultApiRoot();
 
-    // The real clock, HTTP stack and keychain; the API root from VARNIS_API_ROOT if set.
+    // The real clock, HTTP stack, keychain and desktop; the API root from VARNIS_API_ROOT if set.
     static Platform standard();
     static QUrl defaultApiRoot();
 

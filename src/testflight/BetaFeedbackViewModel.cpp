@@ -3,13 +3,17 @@
 #include "api/AccountStore.h"
 #include "api/ModelOperation.h"
 #include "api/RowListModel.h"
+#include "platform/AtomicFile.h"
 #include "platform/Clock.h"
+#include "platform/UrlOpener.h"
 #include "testflight/TestFlightService.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
 #include <QLocale>
+#include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <algorithm>
 
@@ -277,10 +281,14 @@ QCoro::Task<> BetaFeedbackViewModel::openCrashLog() {
             co_return;
         }
     }
-    // The text is shown here; where Apple names only a download address, the address is shown,
-    // with how long it holds. Nothing is kept beyond the selection.
+    // The log goes to the program the user reads such files with, and is shown here as well;
+    // where Apple names only a download address, the browser gets it.
     if (log && log->logText && !log->logText->isEmpty()) {
         setCrashLogText(*log->logText);
+        if (const auto problem = openInViewer(*log->logText, feedbackID)) {
+            run.fail(*problem);
+            co_return;
+        }
     } else if (log && log->url) {
         QString text = u"Apple stellt den Absturzbericht zum Herunterladen bereit: "_s +
                        log->url->toString(QUrl::FullyEncoded);
@@ -288,11 +296,42 @@ QCoro::Task<> BetaFeedbackViewModel::openCrashLog() {
             text += u"\nDie Adresse gilt bis "_s + dateText(log->expirationDate) + u'.';
         }
         setCrashLogText(text);
+        if (!openWithDesktop(*log->url)) {
+            run.fail(u"Die Download-Adresse konnte nicht im Browser geöffnet werden; sie steht unten."_s);
+            co_return;
+        }
     } else {
         run.fail(u"Apple hält für diese Rückmeldung keinen Absturzbericht bereit."_s);
         co_return;
     }
     run.succeed();
+}
+
+bool BetaFeedbackViewModel::openWithDesktop(const QUrl& url) const {
+    const auto& opener = m_state.platform().urlOpener;
+    return opener && opener->open(url);
+}
+
+std::optional<QString> BetaFeedbackViewModel::openInViewer(const QString& text, const QString& feedbackID) {
+    // The file lives in a folder of this screen's own that goes when the screen goes: the log is
+    // handed to the viewer, not kept.
+    if (!m_logFolder || !m_logFolder->isValid()) {
+        m_logFolder = std::make_unique<QTemporaryDir>();
+        if (!m_logFolder->isValid()) {
+            return u"Der Absturzbericht konnte nicht zwischengespeichert werden: "_s +
+                   m_logFolder->errorString();
+        }
+    }
+    QString safeID = feedbackID;
+    safeID.replace(QRegularExpression(u"[^A-Za-z0-9_-]"_s), u"_"_s);
+    const QString path = m_logFolder->filePath(u"absturzbericht-"_s + safeID + u".txt"_s);
+    if (const auto error = AtomicFile::write(path, text.toUtf8())) {
+        return u"Der Absturzbericht konnte nicht zwischengespeichert werden: "_s + *error;
+    }
+    if (!openWithDesktop(QUrl::fromLocalFile(path))) {
+        return u"Für Absturzberichte ist auf diesem System kein Programm eingerichtet; der Bericht steht unten."_s;
+    }
+    return std::nullopt;
 }
 
 void BetaFeedbackViewModel::publish() {

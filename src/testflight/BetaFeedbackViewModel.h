@@ -6,7 +6,10 @@
 #include <QCoro/QCoroTask>
 #include <QObject>
 
+#include <memory>
 #include <optional>
+
+class QTemporaryDir;
 
 class AppState;
 class ModelOperation;
@@ -87,7 +90,8 @@ public:
     // By the key of a `kinds` row: "all", "screenshot", "crash".
     Q_INVOKABLE void selectKind(const QString& key);
     Q_INVOKABLE void select(const QString& feedbackID);
-    // Fetches the log of the chosen crash and shows its text; Apple may hold none.
+    // Fetches the log of the chosen crash, opens it in the system's viewer and shows its text;
+    // Apple may hold none.
     QCoro::Task<> openCrashLog();
     Q_INVOKABLE void startOpenCrashLog();
 
@@ -115,6 +119,9 @@ private:
 
     bool isDemo() const;
     void setCrashLogText(const QString& text);
+    bool openWithDesktop(const QUrl& url) const;
+    // Nothing, or why the log could not be opened.
+    std::optional<QString> openInViewer(const QString& text, const QString& feedbackID);
     void publish();
 
     AppState& m_state;
@@ -130,4 +137,5 @@ private:
     Kind m_kind = Kind::All;
     std::optional<ManagedBetaFeedback> m_selected;
     QString m_crashLogText;
+    std::unique_ptr<QTemporaryDir> m_logFolder;
 };

@@ -37,8 +37,8 @@ std::optional<QString> blankToAbsent(const QString& text) {
 // The per-app steps take the application state rather than the model: the model may close with
 // its sheet while a step waits for Apple, the state outlives every step.
 QCoro::Task<std::optional<QString>> applyWhatsNew(AppState* state, ManagedApp app, QString locale,
-                                                    QString text,
-                                                    std::shared_ptr<AppStoreConnectClient> client) {
+                                                  QString text,
+                                                  std::shared_ptr<AppStoreConnectClient> client) {
     const auto versions = co_await state->versionsService().versions(app.id, client, true);
     const auto target = std::find_if(versions.cbegin(), versions.cend(), [](const VelmoraVersion& v) {
         return VelmoraVersion::isFullyEditable(v.state);
@@ -70,7 +70,7 @@ QCoro::Task<std::optional<QString>> applyWhatsNew(AppState* state, ManagedApp ap
 }
 
 QCoro::Task<std::optional<QString>> addTester(AppState* state, ManagedApp app, NewBetaTester tester,
-                                                std::shared_ptr<AppStoreConnectClient> client) {
+                                              std::shared_ptr<AppStoreConnectClient> client) {
     const auto groups = co_await state->testFlightService().groups(app.id, client, false);
     const auto external =
         std::find_if(groups.cbegin(), groups.cend(), [](const ManagedBetaGroup& g) { return !g.isInternal; });

@@ -143,6 +143,22 @@ QCoro::Task<> TestFlightService::deleteGroup(QString groupID, QString appID,
     m_testersCache.remove(groupID);
 }
 
+QCoro::Task<ManagedBetaGroup> TestFlightService::createGroup(BetaGroupCreateRequestBody body,
+                                                             std::shared_ptr<AppStoreConnectClient> client) {
+    auto endpoint = TestFlightEndpoints::createGroup(body);
+    const auto resource = co_await client->call(std::move(endpoint));
+    m_groupsCache.remove(body.appID);
+    co_return ManagedBetaGroup::fromResource(resource.id, resource.attributes);
+}
+
+QCoro::Task<ManagedBetaGroup> TestFlightService::updateGroup(BetaGroupUpdateRequestBody body, QString appID,
+                                                             std::shared_ptr<AppStoreConnectClient> client) {
+    auto endpoint = TestFlightEndpoints::updateGroup(body);
+    const auto resource = co_await client->call(std::move(endpoint));
+    m_groupsCache.remove(appID);
+    co_return ManagedBetaGroup::fromResource(resource.id, resource.attributes);
+}
+
 QCoro::Task<BetaTesterHandover> TestFlightService::addTester(NewBetaTester tester, QString groupID,
                                                              std::shared_ptr<AppStoreConnectClient> client,
                                                              RequestPriority priority) {

@@ -9,6 +9,7 @@
 #include "testflight/ManagedBetaTester.h"
 #include "testflight/ManagedBetaUsage.h"
 #include "testflight/ManagedBuildBetaDetail.h"
+#include "testflight/TestFlightRequestBodies.h"
 #include "wire/APIRequest.h"
 
 #include <QCoro/QCoroTask>
@@ -65,6 +66,12 @@ public:
     QCoro::Task<> removeTester(QString testerID, QString groupID,
                                std::shared_ptr<AppStoreConnectClient> client);
     QCoro::Task<> deleteGroup(QString groupID, QString appID, std::shared_ptr<AppStoreConnectClient> client);
+    // Both return what Apple saved and drop the app's groups, so that a screen opened next shows
+    // the new state rather than the minute-old list.
+    QCoro::Task<ManagedBetaGroup> createGroup(BetaGroupCreateRequestBody body,
+                                              std::shared_ptr<AppStoreConnectClient> client);
+    QCoro::Task<ManagedBetaGroup> updateGroup(BetaGroupUpdateRequestBody body, QString appID,
+                                              std::shared_ptr<AppStoreConnectClient> client);
 
     // One tester into one group. Leaves the cached testers alone: the caller reloads.
     QCoro::Task<BetaTesterHandover> addTester(NewBetaTester tester, QString groupID,

@@ -14,7 +14,6 @@
 #include "testflight/BetaFeedbackViewModel.h"
 #include "testflight/BetaTesterImportFile.h"
 #include "testflight/BetaTesterImportParsing.h"
-#include "testflight/TestFlightEndpoints.h"
 #include "testflight/TestFlightService.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
@@ -618,11 +617,10 @@ QCoro::Task<> TestFlightViewModel::createGroup() {
         if (!self) {
             co_return;
         }
-        const auto resource = co_await client->call(TestFlightEndpoints::createGroup(body));
+        created = co_await m_state.testFlightService().createGroup(body, client);
         if (!self) {
             co_return;
         }
-        created = ManagedBetaGroup::fromResource(resource.id, resource.attributes);
     } catch (const std::exception& error) {
         run.fail(error);
         co_return;
@@ -889,11 +887,10 @@ QCoro::Task<> TestFlightViewModel::saveGroupSettings() {
         if (!self) {
             co_return;
         }
-        const auto resource = co_await client->call(TestFlightEndpoints::updateGroup(body));
+        saved = co_await m_state.testFlightService().updateGroup(body, m_app.id, client);
         if (!self) {
             co_return;
         }
-        saved = ManagedBetaGroup::fromResource(resource.id, resource.attributes);
     } catch (const std::exception& error) {
         run.fail(error);
         co_return;

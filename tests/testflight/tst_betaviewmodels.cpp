@@ -11,6 +11,7 @@
 #include "workspace/AppState.h"
 
 #include <QAbstractItemModelTester>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTest>
@@ -397,38 +398,72 @@ private Q_SLOTS:
         }
     }
 
-    // A crash whose log Apple does not hold (404) ends in the message and shows nothing; one
-    // with a log shows its text.
+    // A crash whose log Apple does not hold (404) ends in the message and opens nothing; a log's
+    // text goes to the viewer as a file of its own, a download address to the browser; a system
+    // without a program for it says so and still shows what it has.
     void crashLog_data() {
         QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("attribute");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("openerWorks");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no log") << 404 << QString()
+        QTest::newRow("no log") << 404 << QString() << QString() << true
                                 << u"Apple hält für diese Rückmeldung keinen Absturzbericht bereit."_s;
-        QTest::newRow("log") << 200 << u"Thread 0 Crashed"_s << QString();
+        QTest::newRow("log text") << 200 << u"logText"_s << u"Thread 0 Crashed: äöü"_s << true << QString();
+        QTest::newRow("log text, no viewer")
+            << 200 << u"logText"_s << u"Thread 0 Crashed"_s << false
+            << u"Für Absturzberichte ist auf diesem System kein Programm eingerichtet; der Bericht steht unten."_s;
+        QTest::newRow("address") << 200 << u"url"_s << u"https://logs.example.test/c1?sig=x"_s << true
+                                 << QString();
+        QTest::newRow("address, no browser")
+            << 200 << u"url"_s << u"https://logs.example.test/c1?sig=x"_s << false
+            << u"Die Download-Adresse konnte nicht im Browser geöffnet werden; sie steht unten."_s;
     }
 
     void crashLog() {
         QFETCH(int, status);
-        QFETCH(QString, text);
+        QFETCH(QString, attribute);
+        QFETCH(QString, value);
+        QFETCH(bool, openerWorks);
         QFETCH(QString, message);
         Fixture f(u"account"_s);
+        f.urlOpener->succeeds = openerWorks;
         f.transport->script("GET", u"/v1/apps/app1/betaFeedbackScreenshotSubmissions"_s,
                             {Answer::json(200, page({}))});
         f.transport->script(
             "GET", u"/v1/apps/app1/betaFeedbackCrashSubmissions"_s,
-            {Answer::json(200, page({resource(u"betaFeedbackCrashSubmissions"_s, u"c1"_s, {})}))});
-        f.transport->script("GET", u"/v1/betaFeedbackCrashSubmissions/c1/crashLog"_s,
+            {Answer::json(200, page({resource(u"betaFeedbackCrashSubmissions"_s, u"c1/../x"_s, {})}))});
+        f.transport->script("GET", u"/v1/betaFeedbackCrashSubmissions/c1/../x/crashLog"_s,
                             {status == 200 ? Answer::json(200, single(resource(u"betaCrashLogs"_s, u"x"_s,
-                                                                               {{u"logText"_s, text}})))
+                                                                               {{attribute, value}})))
                                            : Answer::json(status, JsonApi::error(u"404"_s, u"nicht da"_s))});
         VarnisTest::awaitTask(f.feedback->load(true));
         QVERIFY(!f.feedback->canOpenCrashLog());
-        f.feedback->select(u"c1"_s);
+        f.feedback->select(u"c1/../x"_s);
         QVERIFY(f.feedback->canOpenCrashLog());
         VarnisTest::awaitTask(f.feedback->openCrashLog());
-        QCOMPARE(f.feedback->crashLogText(), text);
         QCOMPARE(f.feedback->errorMessage(), message);
+        if (status != 200) {
+            QVERIFY(f.urlOpener->opened.isEmpty());
+            QCOMPARE(f.feedback->crashLogText(), QString());
+            return;
+        }
+        QCOMPARE(f.urlOpener->opened.size(), 1);
+        const QUrl opened = f.urlOpener->opened.constFirst();
+        QVERIFY(f.feedback->crashLogText().contains(value));
+        if (attribute == u"url"_s) {
+            QCOMPARE(opened, QUrl(value));
+            return;
+        }
+        // A file of its own whose name an id cannot steer out of the folder; gone with the screen.
+        QVERIFY(opened.isLocalFile());
+        QCOMPARE(QFileInfo(opened.toLocalFile()).fileName(), u"absturzbericht-c1____x.txt"_s);
+        QFile file(opened.toLocalFile());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(file.readAll()), value);
+        file.close();
+        f.feedback.reset();
+        QVERIFY(!QFileInfo::exists(opened.toLocalFile()));
     }
 };
 

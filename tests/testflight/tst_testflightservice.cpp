@@ -151,6 +151,19 @@ private Q_SLOTS:
         QTest::newRow("group deleted: its testers") << u"testers"_s << 0.0 << false << Action([this] {
             VarnisTest::awaitTask(m_service->deleteGroup(u"g1"_s, u"app1"_s, client()));
         }) << 2;
+        QTest::newRow("group settings saved") << u"groups"_s << 0.0 << false << Action([this] {
+            BetaGroupUpdateRequestBody body;
+            body.id = u"g1"_s;
+            body.name = u"Umbenannt"_s;
+            const auto saved = VarnisTest::awaitTask(m_service->updateGroup(body, u"app1"_s, client()));
+            QCOMPARE(saved.name, u"Umbenannt"_s);
+        }) << 2;
+        QTest::newRow("group created") << u"groups"_s << 0.0 << false << Action([this] {
+            BetaGroupCreateRequestBody body;
+            body.appID = u"app1"_s;
+            body.name = u"Neu"_s;
+            QCOMPARE(VarnisTest::awaitTask(m_service->createGroup(body, client())).name, u"Neu"_s);
+        }) << 2;
         QTest::newRow("failed delete keeps the groups") << u"groups"_s << 0.0 << false << Action([this] {
             m_transport->script("DELETE", u"/v1/betaGroups/g1"_s,
                                 {Answer::json(409, JsonApi::error(u"409"_s, u"x"_s))});

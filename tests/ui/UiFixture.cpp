@@ -59,6 +59,7 @@ Platform UiFixture::demoPlatform() const {
     platform.clock = std::make_shared<ManualClock>();
     platform.transport = std::make_shared<FakeTransport>();
     platform.secrets = std::make_shared<MemorySecretStore>();
+    platform.urlOpener = m_urlOpener;
     platform.paths = DataPaths::at(m_dir->filePath(u"data"_s));
     platform.apiRoot = QUrl(u"https://api.example.test"_s);
     return platform;

@@ -2,6 +2,7 @@
 
 #include "app/UiShell.h"
 #include "platform/Platform.h"
+#include "support/RecordingUrlOpener.h"
 #include "workspace/AppState.h"
 
 #include <QObject>
@@ -24,6 +25,8 @@ protected:
     std::unique_ptr<AppState> m_state;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     std::unique_ptr<UiShell> m_shell;
+    // What the window would have handed to the desktop (browser, viewer).
+    std::shared_ptr<RecordingUrlOpener> m_urlOpener = std::make_shared<RecordingUrlOpener>();
 
     // Seams for a run without network: manual clock, fake transport, secrets in memory.
     Platform demoPlatform() const;

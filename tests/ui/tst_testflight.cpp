@@ -6,8 +6,10 @@
 #include "workspace/SectionHost.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QClipboard>
 #include <QDropEvent>
 #include <QFile>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QQuickItem>
 #include <QTemporaryDir>
@@ -95,6 +97,44 @@ private Q_SLOTS:
                      u"Demo-Modus: „Gruppe löschen“ wurde nur angezeigt – an Apple ging nichts."_s);
         QVERIFY(findText(mainWindow(), m_model->statusMessage()));
         QCOMPARE(m_model->groups().size(), 2);
+    }
+
+    // The external group's link goes to the clipboard; its settings sheet takes typing and, in
+    // demo mode, says that nothing was sent and keeps what was typed.
+    void publicLinkAndGroupSettings() {
+        openTestFlight();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        const ManagedBetaGroup external = m_model->groups().at(1);
+        QVERIFY(external.publicLink);
+        QVERIFY(clickNamed(mainWindow(), u"group_"_s + external.id));
+        QTRY_COMPARE(m_model->selectedGroupID(), external.id);
+        QVERIFY(clickNamed(mainWindow(), u"copyLinkButton"_s));
+        QTRY_COMPARE(m_model->statusMessage(), u"Öffentlicher Link kopiert."_s);
+        QCOMPARE(QGuiApplication::clipboard()->text(), *external.publicLink);
+        QVERIFY(findText(mainWindow(), m_model->statusMessage()));
+
+        QVERIFY(clickNamed(mainWindow(), u"groupSettingsButton"_s));
+        QQuickItem* name = findItem(mainWindow(), u"settingsNameField"_s);
+        QVERIFY(name);
+        QCOMPARE(name->property("text").toString(), external.name);
+        click(name);
+        QTRY_VERIFY(name->hasActiveFocus());
+        QTest::keyClick(mainWindow(), Qt::Key_A, Qt::ControlModifier);
+        typeText(mainWindow(), u"Gäste"_s);
+        QCOMPARE(m_model->settingsName(), u"Gäste"_s);
+        const bool feedback = m_model->property("settingsFeedbackEnabled").toBool();
+        QVERIFY(clickNamed(mainWindow(), u"settingsFeedbackBox"_s));
+        QTRY_COMPARE(m_model->property("settingsFeedbackEnabled").toBool(), !feedback);
+        shoot(mainWindow(), u"testflight-group-settings"_s);
+        QVERIFY(clickNamed(mainWindow(), u"saveGroupSettingsButton"_s));
+        QTRY_COMPARE(m_model->groupActionError(), WriteGate::demoMessage());
+        QVERIFY(findText(mainWindow(), WriteGate::demoMessage()));
+        QCOMPARE(m_model->settingsName(), u"Gäste"_s);
+        QCOMPARE(m_model->groups().at(1).name, external.name);
+        QVERIFY(clickNamed(mainWindow(), u"cancelGroupSettingsButton"_s));
+        QTRY_VERIFY(!shownItem(mainWindow(), u"settingsNameField"_s));
     }
 
     void buildsTabShowsTheFigures() {

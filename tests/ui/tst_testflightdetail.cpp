@@ -10,6 +10,7 @@
 #include "workspace/SectionHost.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QFileInfo>
 #include <QQuickItem>
 #include <QTest>
 
@@ -132,6 +133,10 @@ private Q_SLOTS:
         QQuickItem* log = findItem(mainWindow(), u"crashLogText"_s);
         QVERIFY(log);
         QVERIFY(log->property("text").toString().contains(u"Crashed"_s));
+        // The log went to the system's viewer as a file of its own.
+        QCOMPARE(m_urlOpener->opened.size(), 1);
+        QVERIFY(m_urlOpener->opened.constFirst().isLocalFile());
+        QVERIFY(QFileInfo::exists(m_urlOpener->opened.constFirst().toLocalFile()));
         QVERIFY(clickNamed(mainWindow(), u"feedbackKind_screenshot"_s));
         QTRY_COMPARE(feedback->itemRows()->count(), 1);
         QVERIFY(!feedback->itemRows()->value(0, BetaFeedbackViewModel::ItemIsCrash).toBool());
