@@ -22,6 +22,8 @@ QString germanFileError(int systemError) {
         return u"Ein Teil des Pfads ist eine Datei, kein Ordner."_s;
     case ENAMETOOLONG:
         return u"Der Name ist zu lang."_s;
+    case EFBIG:
+        return u"Die Datei wird für das Dateisystem zu groß."_s;
     case EIO:
         return u"Der Datenträger meldet einen Ein-/Ausgabefehler."_s;
     case 0:

@@ -9,7 +9,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <condition_variable>
 #include <cstring>
+#include <deque>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -222,6 +226,78 @@ bool writeJson(const AnalyticsTable& table, PieceWriter& out) {
     return out.flush();
 }
 
+// Writes pieces into a file on a thread of its own. At most `maxWaiting` pieces wait for the
+// disk; a producer that is faster waits for room, so the memory stays bounded whatever the size.
+class PipelinedWriter {
+public:
+    static constexpr size_t maxWaiting = 4;
+
+    explicit PipelinedWriter(QIODevice& file) : m_file(file), m_thread([this] { run(); }) {}
+    ~PipelinedWriter() { finish(); }
+
+    // Copies the piece; false once an earlier piece could not be written.
+    bool write(QByteArrayView piece) {
+        QByteArray copy(piece.data(), piece.size());
+        std::unique_lock lock(m_mutex);
+        m_roomOrDone.wait(lock, [&] { return m_waiting.size() < maxWaiting || m_error != 0; });
+        if (m_error != 0) {
+            return false;
+        }
+        m_waiting.push_back(std::move(copy));
+        m_work.notify_one();
+        return true;
+    }
+
+    // Waits until everything is on disk; the error number of the first failed write, or 0.
+    int finish() {
+        {
+            std::lock_guard lock(m_mutex);
+            m_closing = true;
+        }
+        m_work.notify_one();
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
+        return m_error;
+    }
+
+private:
+    void run() {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            m_work.wait(lock, [&] { return !m_waiting.empty() || m_closing; });
+            if (m_waiting.empty()) {
+                return;
+            }
+            QByteArray piece = std::move(m_waiting.front());
+            m_waiting.pop_front();
+            lock.unlock();
+            errno = 0;
+            const bool written = m_file.write(piece) == piece.size();
+            const int error = written ? 0 : (errno != 0 ? errno : EIO);
+            piece = QByteArray();
+            lock.lock();
+            if (error != 0) {
+                m_error = error;
+                m_waiting.clear();
+            }
+            m_roomOrDone.notify_one();
+            if (error != 0) {
+                return;
+            }
+        }
+    }
+
+    QIODevice& m_file;
+    std::mutex m_mutex;
+    std::condition_variable m_work;
+    std::condition_variable m_roomOrDone;
+    std::deque<QByteArray> m_waiting;
+    bool m_closing = false;
+    int m_error = 0;
+    std::thread m_thread;
+};
+
 QByteArray collect(const AnalyticsTable& table, ReportExport::Format format) {
     QByteArray text;
     ReportExport::write(table, format, [&](QByteArrayView piece) {
@@ -327,16 +403,12 @@ std::optional<QString> ReportExport::writeAtomically(const QString& path,
     if (errno != 0 || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         return germanFileError(errno);
     }
-    int writeError = 0;
-    const bool written = produce([&](QByteArrayView piece) {
-        errno = 0;
-        if (file.write(piece.data(), piece.size()) == piece.size()) {
-            return true;
-        }
-        writeError = errno;
-        return false;
-    });
-    if (!written) {
+    // The disk gets the pieces on a thread of its own, so that turning the next rows into text
+    // and copying the last ones into the page cache run side by side.
+    PipelinedWriter writer(file);
+    const bool produced = produce([&](QByteArrayView piece) { return writer.write(piece); });
+    const int writeError = writer.finish();
+    if (!produced || writeError != 0) {
         file.cancelWriting();
         return germanFileError(writeError);
     }

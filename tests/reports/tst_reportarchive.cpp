@@ -15,6 +15,9 @@
 #include <QTest>
 #include <QTextStream>
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -384,6 +387,34 @@ private Q_SLOTS:
             ReportExport::writeFile(table("A\n1"), ReportExport::Format::Csv, root.filePath(target));
         QCOMPARE(ReportExport::failureMessage(failure.value_or(QString())), message);
         QCOMPARE(readFile(root.filePath(u"plain"_s)), "a file"_ba);
+    }
+
+    // A write that fails after many pieces went to the disk (here: the file grows past the limit
+    // the process may write) ends in the file system's reason; the file under its name stays as
+    // it was and no half file is left beside it.
+    void exportFailsMidway() {
+        QTemporaryDir root;
+        const QString target = root.filePath(u"out.csv"_s);
+        writeFile(target, "old");
+        QByteArray text = "A\tB";
+        const QByteArray row = "\n" + QByteArray(100, 'x') + "\t" + QByteArray(100, 'y');
+        for (int r = 0; r < 20000; ++r) {
+            text += row;
+        }
+        const AnalyticsTable big = AnalyticsTable::parseTSV(text);
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        rlimit limited = before;
+        limited.rlim_cur = 256 * 1024;
+        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limited), 0);
+        const auto failure = ReportExport::writeFile(big, ReportExport::Format::Csv, target);
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, oldHandler);
+        QCOMPARE(ReportExport::failureMessage(failure.value_or(QString())),
+                 u"Export fehlgeschlagen: Die Datei wird für das Dateisystem zu groß."_s);
+        QCOMPARE(readFile(target), "old"_ba);
+        QCOMPARE(QDir(root.path()).entryList(QDir::Files), QStringList{u"out.csv"_s});
     }
 
     void commandLine_data() {
