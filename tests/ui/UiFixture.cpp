@@ -20,8 +20,11 @@ QtMessageHandler previousHandler = nullptr;
 
 void collectQmlProblems(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const QByteArrayView category(context.category ? context.category : "");
+    // Some of the engine's complaints come without a category or a file ("QQmlComponent:
+    // Component is not ready"); they name the engine's classes instead.
     const bool fromQml = category.startsWith("qml") || category.startsWith("js") ||
-                         message.contains(u"qrc:/"_s) || message.contains(u".qml"_s);
+                         message.contains(u"qrc:/"_s) || message.contains(u".qml"_s) ||
+                         message.startsWith(u"QQml"_s) || message.startsWith(u"QQuick"_s);
     if (type != QtDebugMsg && type != QtInfoMsg && fromQml) {
         UiFixture::qmlProblems().append(message);
     }
