@@ -1,5 +1,7 @@
 #include "UiFixture.h"
 
+#include "app/ReportChartItem.h"
+
 #include "api/PendingWrite.h"
 #include "api/RowListModel.h"
 #include "reports/AnalyticsViewModel.h"
@@ -7,6 +9,7 @@
 #include "workspace/SectionHost.h"
 #include "workspace/WorkspaceViewModel.h"
 
+#include <QPainter>
 #include <QQuickItem>
 #include <QTest>
 
@@ -42,8 +45,10 @@ class AnalyticsUiTest : public UiFixture {
     static int linePixels(QQuickItem* chart) {
         const QImage window = chart->window()->grabWindow();
         const QRect area = chart->mapRectToScene(chart->boundingRect()).toAlignedRect();
-        const QImage image = window.copy(area);
-        const QColor line = chart->property("lineColor").value<QColor>();
+        return pixelsNear(window.copy(area), chart->property("lineColor").value<QColor>());
+    }
+
+    static int pixelsNear(const QImage& image, const QColor& line) {
         int count = 0;
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
@@ -60,6 +65,51 @@ class AnalyticsUiTest : public UiFixture {
 
 private Q_SLOTS:
     void initTestCase() { installMessageHandler(); }
+
+    // The item alone, painted into an image: a line where there are points, the text where there
+    // are none.
+    void chartPaints_data() {
+        QTest::addColumn<QList<double>>("values");
+        QTest::addColumn<bool>("drawsLine");
+        QTest::addColumn<bool>("drawsText");
+        QTest::newRow("nothing: the text") << QList<double>{} << false << true;
+        QTest::newRow("one day: a dot") << QList<double>{42} << true << true;
+        QTest::newRow("flat") << QList<double>{5, 5, 5, 5} << true << true;
+        QTest::newRow("below zero") << QList<double>{-3, 4, -1, 2} << true << true;
+        QList<double> year;
+        for (int i = 0; i < 366; ++i) {
+            year.append(i % 7 == 0 ? 2500.5 : 1000 + i);
+        }
+        QTest::newRow("a year") << year << true << true;
+    }
+
+    void chartPaints() {
+        QFETCH(QList<double>, values);
+        QFETCH(bool, drawsLine);
+        QFETCH(bool, drawsText);
+        ReportChartItem chart;
+        chart.setSize(QSizeF(320, 160));
+        chart.setLineColor(QColor(0x1f, 0x5f, 0xa8));
+        chart.setTextColor(QColor(0x99, 0x11, 0x11));
+        chart.setEmptyText(u"Keine Daten"_s);
+        QVariantList points;
+        const QDate first(2026, 1, 1);
+        for (qsizetype i = 0; i < values.size(); ++i) {
+            points.append(QVariantMap{{u"day"_s, first.addDays(i).toJulianDay()},
+                                      {u"value"_s, values[i]},
+                                      {u"dateText"_s, first.addDays(i).toString(u"dd.MM.yyyy"_s)}});
+        }
+        chart.setPoints(points);
+        QCOMPARE(chart.pointCount(), values.size());
+        QImage image(320, 160, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        chart.paint(&painter);
+        painter.end();
+        QCOMPARE(pixelsNear(image, chart.lineColor()) > 10, drawsLine);
+        QCOMPARE(pixelsNear(image, chart.textColor()) > 10, drawsText);
+    }
+
     void init() { initFixture(); }
     void cleanup() { cleanupFixture(); }
 
