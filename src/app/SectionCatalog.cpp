@@ -3,6 +3,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "reports/AnalyticsViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/TestFlightViewModel.h"
@@ -64,5 +65,10 @@ SectionRegistry makeSectionRegistry() {
                       return model;
                   },
                   startLoading<TestFlightViewModel>});
+    registry.add({SidebarSection::Analytics, QUrl(u"qrc:/qt/qml/Varnis/Reports/AnalyticsPage.qml"_s),
+                  [](const SectionContext& context) -> QObject* {
+                      return new AnalyticsViewModel(context.state, context.app, context.parent);
+                  },
+                  startLoading<AnalyticsViewModel>});
     return registry;
 }

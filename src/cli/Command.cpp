@@ -3,6 +3,7 @@
 #include "metadata/AppStoreLocales.h"
 
 #include "cli/AccountsCommand.h"
+#include "cli/AnalyticsCommand.h"
 #include "cli/AppsCommand.h"
 #include "cli/AuditLogCommand.h"
 #include "cli/BulkCommand.h"
@@ -60,6 +61,8 @@ const QList<Command>& commandTable() {
          SalesCommand::declareSalesGet, SalesCommand::salesGet},
         {u"finance get"_s, u"lädt einen Finanzbericht von Apple und fasst ihn zusammen"_s,
          SalesCommand::declareFinanceGet, SalesCommand::financeGet},
+        {u"analytics segments"_s, u"listet die Analytics-Reports einer App bis zu ihren Segmenten"_s,
+         AnalyticsCommand::declareSegments, AnalyticsCommand::segments},
     };
     return table;
 }

@@ -3,6 +3,7 @@
 #include "api/AccountStore.h"
 #include "api/AppStoreConnectClient.h"
 #include "api/ModelOperation.h"
+#include "api/PendingWrite.h"
 #include "api/RowListModel.h"
 #include "platform/Clock.h"
 #include "reports/AnalyticsService.h"
@@ -25,6 +26,16 @@ QString number(double value) {
     return QLocale(QLocale::German).toString(value, 'f', value == qint64(value) ? 0 : 2);
 }
 
+// The rows again, with the last role telling whether the row's key is `selected`; rows that keep
+// their mark are left alone.
+void markRows(RowListModel* list, const QVariant& selected) {
+    QList<RowListModel::Row> rows = list->rows();
+    for (RowListModel::Row& row : rows) {
+        row.last() = selected.isValid() && row.first() == selected;
+    }
+    list->setRows(rows);
+}
+
 } // namespace
 
 AnalyticsViewModel::AnalyticsViewModel(AppState& state, ManagedApp app, QObject* parent)
@@ -32,12 +43,12 @@ AnalyticsViewModel::AnalyticsViewModel(AppState& state, ManagedApp app, QObject*
       m_creatingOp(new ModelOperation(this)), m_reportsOp(new ModelOperation(this)),
       m_instancesOp(new ModelOperation(this)), m_segmentsOp(new ModelOperation(this)),
       m_tableOp(new ModelOperation(this)),
-      m_requestRows(new RowListModel({"itemId", "title", "detail"}, this)),
-      m_reportRows(new RowListModel({"itemId", "title", "detail"}, this)),
-      m_instanceRows(new RowListModel({"itemId", "title", "detail"}, this)),
-      m_segmentRows(new RowListModel({"itemId", "title", "detail"}, this)),
+      m_requestRows(new RowListModel({"itemId", "title", "detail", "isSelected"}, this)),
+      m_reportRows(new RowListModel({"itemId", "title", "detail", "isSelected"}, this)),
+      m_instanceRows(new RowListModel({"itemId", "title", "detail", "isSelected"}, this)),
+      m_segmentRows(new RowListModel({"itemId", "title", "detail", "isSelected"}, this)),
       m_tableRows(new RowListModel({"row", "cells"}, this)),
-      m_numericRows(new RowListModel({"columnIndex", "name"}, this)) {
+      m_numericRows(new RowListModel({"columnIndex", "name", "isSelected"}, this)) {
     const auto forward = [this](ModelOperation* op, auto busy, auto error) {
         connect(op, &ModelOperation::busyChanged, this, busy);
         connect(op, &ModelOperation::errorChanged, this, error);
@@ -56,6 +67,12 @@ AnalyticsViewModel::AnalyticsViewModel(AppState& state, ManagedApp app, QObject*
     forward(m_tableOp, &AnalyticsViewModel::isLoadingTableChanged, &AnalyticsViewModel::tableErrorChanged);
     // The caption tells of a load under way.
     connect(m_tableOp, &ModelOperation::busyChanged, this, &AnalyticsViewModel::tableCaptionChanged);
+    // The hint speaks only of a list that has loaded empty, without a failure.
+    for (ModelOperation* op : {m_requestsOp, m_creatingOp}) {
+        connect(op, &ModelOperation::busyChanged, this, &AnalyticsViewModel::requestsHintChanged);
+        connect(op, &ModelOperation::errorChanged, this, &AnalyticsViewModel::requestsHintChanged);
+    }
+    connect(m_requestRows, &RowListModel::countChanged, this, &AnalyticsViewModel::requestsHintChanged);
 }
 
 AnalyticsViewModel::~AnalyticsViewModel() = default;
@@ -131,20 +148,25 @@ void AnalyticsViewModel::setSelectedColumnIndex(int column) {
     }
     m_selectedColumn = column;
     Q_EMIT selectedColumnIndexChanged();
+    markRows(m_numericRows, effectiveColumnIndex());
     emitSummaryChanged();
 }
 
-std::optional<AnalyticsSummary> AnalyticsViewModel::summary() const {
+int AnalyticsViewModel::effectiveColumnIndex() const {
     if (!m_table) {
-        return std::nullopt;
+        return -1;
     }
-    qsizetype column = m_selectedColumn;
+    if (m_selectedColumn >= 0) {
+        return m_selectedColumn;
+    }
+    const QList<qsizetype> numeric = m_table->numericColumnIndices();
+    return numeric.isEmpty() ? -1 : int(numeric.constFirst());
+}
+
+std::optional<AnalyticsSummary> AnalyticsViewModel::summary() const {
+    const int column = effectiveColumnIndex();
     if (column < 0) {
-        const QList<qsizetype> numeric = m_table->numericColumnIndices();
-        if (numeric.isEmpty()) {
-            return std::nullopt;
-        }
-        column = numeric.constFirst();
+        return std::nullopt;
     }
     return AnalyticsSummary::make(*m_table, column, periodDays[m_period], m_state.platform().clock->now());
 }
@@ -213,10 +235,35 @@ QVariantList AnalyticsViewModel::chartPoints() const {
     QVariantList points;
     if (const auto s = summary()) {
         for (const AnalyticsSummary::Point& p : s->points) {
-            points.append(QVariantMap{{u"date"_s, p.date}, {u"value"_s, p.value}});
+            points.append(QVariantMap{{u"day"_s, p.date.toJulianDay()},
+                                      {u"value"_s, p.value},
+                                      {u"dateText"_s, p.date.toString(u"dd.MM.yyyy"_s)}});
         }
     }
     return points;
+}
+
+QString AnalyticsViewModel::requestsHint() const {
+    if (!m_requestsLoaded || isLoadingRequests() || isCreatingRequest() || !requestsError().isEmpty() ||
+        m_requestRows->count() > 0) {
+        return {};
+    }
+    return u"Für diese App gibt es noch keine Report-Anfrage. „Momentaufnahme anfordern“ legt eine an; "
+           u"Apple füllt sie im Lauf von ein bis zwei Tagen mit Reports."_s;
+}
+
+QString AnalyticsViewModel::sampleNote() const {
+    return m_isSample ? u"Im Demo-Modus stehen keine echten Download-Links zur Verfügung. Die Tabelle "
+                        u"zeigt Beispieldaten."_s
+                      : QString();
+}
+
+void AnalyticsViewModel::markSelections() {
+    markRows(m_requestRows, m_selectedRequest);
+    markRows(m_reportRows, m_selectedReport);
+    markRows(m_instanceRows, m_selectedInstance);
+    markRows(m_segmentRows, m_chosenSegment);
+    markRows(m_numericRows, effectiveColumnIndex());
 }
 
 QCoro::Task<std::shared_ptr<AppStoreConnectClient>> AnalyticsViewModel::client() {
@@ -230,12 +277,13 @@ QCoro::Task<std::shared_ptr<AppStoreConnectClient>> AnalyticsViewModel::client()
 
 void AnalyticsViewModel::clearBelowInstance() {
     m_segments.clear();
+    m_chosenSegment.clear();
     m_segmentRows->setRows({});
     m_segmentsOp->abandon();
     m_segmentsOp->clearError();
     m_tableOp->abandon();
     m_tableOp->clearError();
-    setTable(std::nullopt, {});
+    setTable(std::nullopt, {}, false);
 }
 
 void AnalyticsViewModel::clearBelowReport() {
@@ -268,8 +316,12 @@ void AnalyticsViewModel::clearInstanceSelection() {
     clearBelowInstance();
 }
 
-void AnalyticsViewModel::setTable(std::optional<AnalyticsTable> table, QString segmentID) {
+void AnalyticsViewModel::setTable(std::optional<AnalyticsTable> table, QString segmentID, bool isSample) {
     m_table = std::move(table);
+    if (m_isSample != isSample) {
+        m_isSample = isSample;
+        Q_EMIT sampleNoteChanged();
+    }
     m_loadedSegmentID = std::move(segmentID);
     QList<RowListModel::Row> rows;
     QList<RowListModel::Row> numeric;
@@ -278,7 +330,7 @@ void AnalyticsViewModel::setTable(std::optional<AnalyticsTable> table, QString s
             rows.append({int(r), m_table->row(r)});
         }
         for (const qsizetype column : m_table->numericColumnIndices()) {
-            numeric.append({int(column), m_table->columns()[column]});
+            numeric.append({int(column), m_table->columns()[column], false});
         }
     }
     m_tableRows->setRows(rows);
@@ -288,6 +340,7 @@ void AnalyticsViewModel::setTable(std::optional<AnalyticsTable> table, QString s
         m_selectedColumn = -1;
         Q_EMIT selectedColumnIndexChanged();
     }
+    markRows(m_numericRows, effectiveColumnIndex());
     Q_EMIT loadedSegmentIDChanged();
     emitTableChanged();
     emitSummaryChanged();
@@ -330,6 +383,17 @@ void AnalyticsViewModel::choose(const QString& level, const QString& id) {
     }
 }
 
+void AnalyticsViewModel::chooseRow(const QString& level, int row) {
+    const QHash<QString, RowListModel*> lists{{u"request"_s, m_requestRows},
+                                              {u"report"_s, m_reportRows},
+                                              {u"instance"_s, m_instanceRows},
+                                              {u"segment"_s, m_segmentRows}};
+    RowListModel* list = lists.value(level);
+    if (list && row >= 0 && row < list->count()) {
+        choose(level, list->value(row, 0).toString());
+    }
+}
+
 QCoro::Task<> AnalyticsViewModel::loadRequests(bool forceRefresh) {
     auto run = m_requestsOp->start();
     QList<ManagedAnalyticsReportRequest> requests;
@@ -354,9 +418,11 @@ QCoro::Task<> AnalyticsViewModel::loadRequests(bool forceRefresh) {
     QList<RowListModel::Row> rows;
     for (const auto& r : requests) {
         rows.append({r.id, r.accessType,
-                     r.isStopped ? u"Von Apple angehalten: lange nicht abgerufen"_s : u"Aktiv"_s});
+                     r.isStopped ? u"Von Apple angehalten: lange nicht abgerufen"_s : u"Aktiv"_s,
+                     r.id == m_selectedRequest});
     }
     m_requestRows->setRows(rows);
+    m_requestsLoaded = true;
     run.succeed();
 }
 
@@ -364,6 +430,10 @@ QCoro::Task<> AnalyticsViewModel::createSnapshotRequest() {
     auto run = m_creatingOp->start();
     if (const auto blocked = m_state.writeBlockedReason()) {
         run.fail(*blocked);
+        co_return;
+    }
+    if (m_state.isDemoActive()) {
+        run.fail(WriteGate::demoMessage());
         co_return;
     }
     try {
@@ -388,6 +458,7 @@ QCoro::Task<> AnalyticsViewModel::createSnapshotRequest() {
 QCoro::Task<> AnalyticsViewModel::selectRequest(QString requestID) {
     m_selectedRequest = requestID;
     Q_EMIT selectedRequestChanged();
+    markSelections();
     clearBelowRequest();
     auto run = m_reportsOp->start();
     QList<ManagedAnalyticsReport> reports;
@@ -410,7 +481,7 @@ QCoro::Task<> AnalyticsViewModel::selectRequest(QString requestID) {
     }
     QList<RowListModel::Row> rows;
     for (const auto& r : reports) {
-        rows.append({r.id, r.name, r.category.value_or(QString())});
+        rows.append({r.id, r.name, r.category.value_or(QString()), r.id == m_selectedReport});
     }
     m_reportRows->setRows(rows);
     run.succeed();
@@ -419,6 +490,7 @@ QCoro::Task<> AnalyticsViewModel::selectRequest(QString requestID) {
 QCoro::Task<> AnalyticsViewModel::selectReport(QString reportID) {
     m_selectedReport = reportID;
     Q_EMIT selectedReportChanged();
+    markSelections();
     clearBelowReport();
     auto run = m_instancesOp->start();
     QList<ManagedAnalyticsReportInstance> instances;
@@ -441,7 +513,7 @@ QCoro::Task<> AnalyticsViewModel::selectReport(QString reportID) {
     }
     QList<RowListModel::Row> rows;
     for (const auto& i : instances) {
-        rows.append({i.id, i.granularity, i.processingDate.value_or(u"–"_s)});
+        rows.append({i.id, i.granularity, i.processingDate.value_or(u"–"_s), i.id == m_selectedInstance});
     }
     m_instanceRows->setRows(rows);
     run.succeed();
@@ -450,6 +522,7 @@ QCoro::Task<> AnalyticsViewModel::selectReport(QString reportID) {
 QCoro::Task<> AnalyticsViewModel::selectInstance(QString instanceID) {
     m_selectedInstance = instanceID;
     Q_EMIT selectedInstanceChanged();
+    markSelections();
     clearBelowInstance();
     auto run = m_segmentsOp->start();
     QList<ManagedAnalyticsReportSegment> segments;
@@ -473,7 +546,8 @@ QCoro::Task<> AnalyticsViewModel::selectInstance(QString instanceID) {
     m_segments = segments;
     QList<RowListModel::Row> rows;
     for (qsizetype i = 0; i < segments.size(); ++i) {
-        rows.append({segments[i].id, u"Segment %1"_s.arg(i + 1), sizeText(segments[i].sizeInBytes)});
+        rows.append({segments[i].id, u"Segment %1"_s.arg(i + 1), sizeText(segments[i].sizeInBytes),
+                     segments[i].id == m_chosenSegment});
     }
     m_segmentRows->setRows(rows);
     run.succeed();
@@ -481,14 +555,21 @@ QCoro::Task<> AnalyticsViewModel::selectInstance(QString instanceID) {
 
 QCoro::Task<> AnalyticsViewModel::loadTable(QString segmentID) {
     auto run = m_tableOp->start();
-    if (m_state.isDemoActive()) {
-        run.fail(u"Im Demo-Modus stehen keine echten Download-Links zur Verfügung."_s);
-        co_return;
-    }
     const auto segment =
         std::find_if(m_segments.cbegin(), m_segments.cend(),
                      [&](const ManagedAnalyticsReportSegment& s) { return s.id == segmentID; });
     if (segment == m_segments.cend()) {
+        co_return;
+    }
+    m_chosenSegment = segmentID;
+    markRows(m_segmentRows, m_chosenSegment);
+    if (m_state.isDemoActive()) {
+        // Demo segments have no address to download from; a sample file shows what a real one
+        // would, and says so.
+        setTable(AnalyticsTable::parseTSV(
+                     MockData::analyticsSegmentText(segmentID, m_state.platform().clock->now())),
+                 segmentID, true);
+        run.succeed();
         co_return;
     }
     const ManagedAnalyticsReportSegment chosen = *segment;
@@ -507,6 +588,6 @@ QCoro::Task<> AnalyticsViewModel::loadTable(QString segmentID) {
     if (!run || m_selectedInstance != instanceID) {
         co_return;
     }
-    setTable(std::move(table), chosen.id);
+    setTable(std::move(table), chosen.id, false);
     run.succeed();
 }

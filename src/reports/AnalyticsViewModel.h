@@ -61,6 +61,8 @@ class AnalyticsViewModel : public QObject {
     Q_PROPERTY(QString changeText READ changeText NOTIFY changeTextChanged)
     Q_PROPERTY(QString changeNote READ changeNote NOTIFY changeNoteChanged)
     Q_PROPERTY(QVariantList chartPoints READ chartPoints NOTIFY chartPointsChanged)
+    Q_PROPERTY(QString requestsHint READ requestsHint NOTIFY requestsHintChanged)
+    Q_PROPERTY(QString sampleNote READ sampleNote NOTIFY sampleNoteChanged)
 
 public:
     // The periods offered, in days, in the order of `periodLabels`.
@@ -110,7 +112,16 @@ public:
     QString previousTotalText() const;
     QString changeText() const;
     QString changeNote() const;
+    // Per day with data, oldest first: {"day": Julian day number, "value", "dateText": German
+    // date}. A day number, not a date, so that no time zone between here and the chart can move
+    // it.
     QVariantList chartPoints() const;
+    // What to do when the app has no request yet; empty otherwise.
+    QString requestsHint() const;
+    // Set while the table is the demo's sample instead of a download.
+    QString sampleNote() const;
+    // The numeric column the summary sums: the chosen one or the first; -1 without any.
+    int effectiveColumnIndex() const;
 
     QCoro::Task<> loadRequests(bool forceRefresh);
     QCoro::Task<> createSnapshotRequest();
@@ -121,6 +132,8 @@ public:
     Q_INVOKABLE void startLoad(bool forceRefresh);
     Q_INVOKABLE void startCreatingSnapshotRequest();
     Q_INVOKABLE void choose(const QString& level, const QString& id);
+    // The same by the row of the level's list (as the keyboard points at it); nothing outside it.
+    Q_INVOKABLE void chooseRow(const QString& level, int row);
     Q_INVOKABLE void clearInstanceSelection();
 
 Q_SIGNALS:
@@ -152,6 +165,8 @@ Q_SIGNALS:
     void tableColumnsChanged();
     void tableCaptionChanged();
     void tableNoteChanged();
+    void requestsHintChanged();
+    void sampleNoteChanged();
 
 private:
     // The client of the selected account, or none (demo mode, no account); after a failure the
@@ -160,9 +175,10 @@ private:
     void clearBelowRequest();
     void clearBelowReport();
     void clearBelowInstance();
-    void setTable(std::optional<AnalyticsTable> table, QString segmentID);
+    void setTable(std::optional<AnalyticsTable> table, QString segmentID, bool isSample);
     void emitSummaryChanged();
     void emitTableChanged();
+    void markSelections();
 
     AppState& m_state;
     ManagedApp m_app;
@@ -183,6 +199,10 @@ private:
     QString m_selectedReport;
     QString m_selectedInstance;
     QString m_loadedSegmentID;
+    // The segment last asked for, loaded or still loading.
+    QString m_chosenSegment;
+    bool m_requestsLoaded = false;
+    bool m_isSample = false;
     std::optional<AnalyticsTable> m_table;
     int m_period = 1;
     int m_selectedColumn = -1;

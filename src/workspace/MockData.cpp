@@ -1,5 +1,7 @@
 #include "workspace/MockData.h"
 
+#include <QLocale>
+
 using namespace Qt::StringLiterals;
 
 QList<ManagedApp> MockData::apps() {
@@ -555,4 +557,39 @@ QList<ManagedAnalyticsReportInstance> MockData::analyticsReportInstances(const Q
 
 QList<ManagedAnalyticsReportSegment> MockData::analyticsReportSegments(const QString& instanceID) {
     return {ManagedAnalyticsReportSegment{instanceID + u"-seg1"_s, 48213, std::nullopt, std::nullopt}};
+}
+
+QByteArray MockData::analyticsSegmentText(const QString& segmentID, const QDateTime& now) {
+    constexpr int days = 400;
+    const bool usage = segmentID.contains(u"-rep1"_s);
+    const QDate today = now.toUTC().date();
+    const QByteArray app = appName(segmentID.section(u"-req"_s, 0, 0)).toUtf8();
+    QByteArray text = usage ? "Date\tApp Name\tDevice\tSessions\tTotal Session Duration\tUnique Devices\n"_ba
+                            : "Date\tApp Name\tTerritory\tPurchases\tProceeds in USD\n"_ba;
+    text.reserve(days * 2 * 60);
+    for (int back = days; back >= 0; --back) {
+        const QDate date = today.addDays(-back);
+        // A slow rise, busier weekends and a little irregularity that repeats with the date.
+        const qint64 dayNumber = date.toJulianDay();
+        const int weekend = date.dayOfWeek() >= 6 ? 40 : 0;
+        const int wobble = int((dayNumber * 37) % 23);
+        const int base = 120 + (days - back) / 4 + weekend + wobble;
+        const QByteArray dateText = date.toString(Qt::ISODate).toLatin1();
+        if (usage) {
+            for (const auto& [device, share] : {std::pair{"iPhone", 3}, std::pair{"iPad", 1}}) {
+                const int sessions = base * share / 3;
+                const int seconds = sessions * (170 + wobble);
+                text += dateText + '\t' + app + '\t' + device + '\t' + QByteArray::number(sessions) + "\t\"" +
+                        QLocale(QLocale::English).toString(seconds).toLatin1() + "\"\t" +
+                        QByteArray::number(sessions * 2 / 3) + '\n';
+            }
+        } else {
+            for (const auto& [territory, share] : {std::pair{"DE", 2}, std::pair{"US", 3}}) {
+                const int purchases = base * share / 40;
+                text += dateText + '\t' + app + '\t' + territory + '\t' + QByteArray::number(purchases) +
+                        '\t' + QByteArray::number(purchases * 2.99 * 0.7, 'f', 2) + '\n';
+            }
+        }
+    }
+    return text;
 }

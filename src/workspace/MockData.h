@@ -89,4 +89,8 @@ ManagedCiProduct ciProduct(const QString& appID);
 QList<ManagedCiWorkflow> ciWorkflows(const QString& productID);
 // "-run1" (finished, succeeded) and "-run2" (finished, failed), newest first.
 QList<ManagedCiBuildRun> ciBuildRuns(const QString& workflowID, const QDateTime& now);
+// The unpacked file of an analytics segment, standing in for a download in demo mode: a row per
+// day and device ("-rep1", app usage) or per day and territory (other reports) from 400 days
+// before `now` up to its day, the same for the same day.
+QByteArray analyticsSegmentText(const QString& segmentID, const QDateTime& now);
 } // namespace MockData

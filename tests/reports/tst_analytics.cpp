@@ -1,4 +1,5 @@
 #include "api/AccountStore.h"
+#include "api/PendingWrite.h"
 #include "api/RowListModel.h"
 #include "fixtures/JsonApi.h"
 #include "fixtures/TestClient.h"
@@ -17,6 +18,7 @@
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -307,7 +309,9 @@ private Q_SLOTS:
         QCOMPARE(screen.model->reports()->count(), 1);
     }
 
-    void demoWalksTheChainButLoadsNoFile() {
+    // Demo segments have no address: a sample file stands in, says so, and fills every period;
+    // nothing goes to Apple, and asking for a snapshot says it was only shown.
+    void demoShowsASampleAndSendsNothing() {
         Screen screen(true);
         VarnisTest::awaitTask(screen.model->loadRequests(false));
         const QString request = screen.model->requests()->value(0, 0).toString();
@@ -316,10 +320,97 @@ private Q_SLOTS:
         VarnisTest::awaitTask(
             screen.model->selectInstance(screen.model->instances()->value(0, 0).toString()));
         QCOMPARE(screen.model->segments()->count(), 1);
-        VarnisTest::awaitTask(screen.model->loadTable(screen.model->segments()->value(0, 0).toString()));
-        QCOMPARE(screen.model->tableError(),
-                 u"Im Demo-Modus stehen keine echten Download-Links zur Verfügung."_s);
+        const QString segment = screen.model->segments()->value(0, 0).toString();
+        VarnisTest::awaitTask(screen.model->loadTable(segment));
+        QCOMPARE(screen.model->tableError(), QString());
+        QCOMPARE(screen.model->loadedSegmentID(), segment);
+        QVERIFY(screen.model->sampleNote().startsWith(
+            u"Im Demo-Modus stehen keine echten Download-Links zur Verfügung."_s));
+        QCOMPARE(screen.model->tableRows()->count(), AnalyticsViewModel::maxTableRows);
+        QVERIFY(!screen.model->tableNote().isEmpty());
+        for (int period = 0; period < 4; ++period) {
+            screen.model->setPeriod(period);
+            QCOMPARE(screen.model->summaryUnavailableReason(), QString());
+            QCOMPARE(screen.model->chartPoints().size(), AnalyticsViewModel::periodDays[period]);
+            QVERIFY(screen.model->changeText().endsWith(u" %"_s) || period == 3);
+        }
+        VarnisTest::awaitTask(screen.model->createSnapshotRequest());
+        QCOMPARE(screen.model->requestsError(), WriteGate::demoMessage());
         QCOMPARE(screen.transport->requestCount(), 0);
+        // Another instance takes the sample away with the table.
+        VarnisTest::awaitTask(
+            screen.model->selectInstance(screen.model->instances()->value(1, 0).toString()));
+        QCOMPARE(screen.model->sampleNote(), QString());
+    }
+
+    // The lists mark what was chosen, so the screen needs no comparison of its own: the chain's
+    // links, the segment asked for, and the column the summary sums.
+    void choicesAreMarked() {
+        Screen screen(false);
+        screen.scriptChain("Date\tApp\tUnits\tRevenue\n2026-11-20\tx\t1\t2\n"_ba);
+        screen.walkToTable();
+        for (RowListModel* list : {screen.model->requests(), screen.model->reports(),
+                                   screen.model->instances(), screen.model->segments()}) {
+            QCOMPARE(list->value(0, 3), QVariant(true));
+        }
+        QCOMPARE(screen.model->numericColumns()->count(), 2);
+        QCOMPARE(screen.model->effectiveColumnIndex(), 2);
+        QCOMPARE(screen.model->numericColumns()->value(0, 2), QVariant(true));
+        QCOMPARE(screen.model->numericColumns()->value(1, 2), QVariant(false));
+        screen.model->setSelectedColumnIndex(3);
+        QCOMPARE(screen.model->numericColumns()->value(0, 2), QVariant(false));
+        QCOMPARE(screen.model->numericColumns()->value(1, 2), QVariant(true));
+        QCOMPARE(screen.model->summaryHeadline(), u"Summe Revenue · 30 Tage"_s);
+        // Choosing the request again leaves it marked and everything below unmarked and empty.
+        VarnisTest::awaitTask(screen.model->selectRequest(u"r1"_s));
+        QCOMPARE(screen.model->requests()->value(0, 3), QVariant(true));
+        QCOMPARE(screen.model->effectiveColumnIndex(), -1);
+        QCOMPARE(screen.model->numericColumns()->count(), 0);
+    }
+
+    void chartPointsAreDaysNotMoments() {
+        Screen screen(false);
+        screen.scriptChain(reportText);
+        screen.walkToTable();
+        for (const char* zone : {"Pacific/Kiritimati", "Pacific/Pago_Pago"}) {
+            qputenv("TZ", zone);
+            tzset();
+            const QVariantList points = screen.model->chartPoints();
+            QCOMPARE(points.size(), 2);
+            const QVariantMap first = points.first().toMap();
+            QCOMPARE(first.value(u"day"_s).toLongLong(), QDate(2026, 11, 20).toJulianDay());
+            QCOMPARE(first.value(u"value"_s).toDouble(), 3.0);
+            QCOMPARE(first.value(u"dateText"_s).toString(), u"20.11.2026"_s);
+        }
+        qunsetenv("TZ");
+        tzset();
+    }
+
+    void requestsHint_data() {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("hinted");
+        QTest::newRow("no request yet") << 200 << page(QJsonArray{}) << true;
+        QTest::newRow("one request") << 200
+                                     << page(QJsonArray{resource(u"analyticsReportRequests"_s, u"r1"_s,
+                                                                 {{u"accessType"_s, u"ONGOING"_s}})})
+                                     << false;
+        QTest::newRow("a failure is no empty list")
+            << 404 << JsonApi::error(u"404"_s, u"Die App fehlt."_s) << false;
+    }
+
+    void requestsHint() {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        QFETCH(bool, hinted);
+        Screen screen(false);
+        QCOMPARE(screen.model->requestsHint(), QString());
+        screen.transport->script("GET", u"/v1/apps/app1/analyticsReportRequests"_s,
+                                 {Answer::json(status, body)});
+        QSignalSpy changed(screen.model.get(), &AnalyticsViewModel::requestsHintChanged);
+        VarnisTest::awaitTask(screen.model->loadRequests(true));
+        QCOMPARE(!screen.model->requestsHint().isEmpty(), hinted);
+        QVERIFY(!changed.isEmpty());
     }
 
     void requestsKeptAMinute() {
