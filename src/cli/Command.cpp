@@ -7,6 +7,7 @@
 #include "cli/AuditLogCommand.h"
 #include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/PerfCommand.h"
 #include "cli/ReportArchiveCommand.h"
 #include "cli/ReportCommand.h"
 #include "cli/SalesCommand.h"
@@ -60,6 +61,8 @@ const QList<Command>& commandTable() {
          SalesCommand::declareSalesGet, SalesCommand::salesGet},
         {u"finance get"_s, u"lädt einen Finanzbericht von Apple und fasst ihn zusammen"_s,
          SalesCommand::declareFinanceGet, SalesCommand::financeGet},
+        {u"perf metrics"_s, u"zeigt Apples Leistungskennzahlen einer App"_s, PerfCommand::declareMetrics,
+         PerfCommand::metrics},
     };
     return table;
 }
