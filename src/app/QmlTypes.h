@@ -13,6 +13,7 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
+#include "reports/PerformanceViewModel.h"
 #include "testflight/BulkActionsViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
@@ -164,5 +165,12 @@ struct BulkActionsViewModelForeign {
     Q_GADGET
     QML_FOREIGN(BulkActionsViewModel)
     QML_NAMED_ELEMENT(BulkActionsViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct PerformanceViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(PerformanceViewModel)
+    QML_NAMED_ELEMENT(PerformanceViewModel)
     QML_UNCREATABLE("made by the application")
 };
