@@ -3,6 +3,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Varnis.App
+import Varnis.Performance
 
 // Analytics of the app, one tab per kind of data; each tab keeps its content in a file of its own.
 Item {
@@ -21,6 +22,10 @@ Item {
                 objectName: "analyticsTab_0"
                 text: "Analytics"
             }
+            TabButton {
+                objectName: "analyticsTab_1"
+                text: "Leistung"
+            }
         }
         StackLayout {
             Layout.fillWidth: true
@@ -28,6 +33,9 @@ Item {
             currentIndex: tabs.currentIndex
             AnalyticsReportsTab {
                 model: page.model
+            }
+            PerformanceTab {
+                model: page.model.performance
             }
         }
     }

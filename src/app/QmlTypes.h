@@ -14,10 +14,11 @@
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
 #include "reports/AnalyticsViewModel.h"
-#include "testflight/BulkActionsViewModel.h"
+#include "reports/PerformanceViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/BulkActionsViewModel.h"
 #include "testflight/TestFlightViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
@@ -172,5 +173,12 @@ struct AnalyticsViewModelForeign {
     Q_GADGET
     QML_FOREIGN(AnalyticsViewModel)
     QML_NAMED_ELEMENT(AnalyticsViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct PerformanceViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(PerformanceViewModel)
+    QML_NAMED_ELEMENT(PerformanceViewModel)
     QML_UNCREATABLE("made by the application")
 };

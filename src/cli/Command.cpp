@@ -8,6 +8,7 @@
 #include "cli/AuditLogCommand.h"
 #include "cli/BulkCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/PerfCommand.h"
 #include "cli/ReportArchiveCommand.h"
 #include "cli/ReportCommand.h"
 #include "cli/SalesCommand.h"
@@ -63,6 +64,8 @@ const QList<Command>& commandTable() {
          SalesCommand::declareFinanceGet, SalesCommand::financeGet},
         {u"analytics segments"_s, u"listet die Analytics-Reports einer App bis zu ihren Segmenten"_s,
          AnalyticsCommand::declareSegments, AnalyticsCommand::segments},
+        {u"perf metrics"_s, u"zeigt Apples Leistungskennzahlen einer App"_s, PerfCommand::declareMetrics,
+         PerfCommand::metrics},
     };
     return table;
 }

@@ -7,6 +7,7 @@
 #include "api/RowListModel.h"
 #include "platform/Clock.h"
 #include "reports/AnalyticsService.h"
+#include "reports/PerformanceViewModel.h"
 #include "workspace/AppState.h"
 #include "workspace/MockData.h"
 
@@ -39,7 +40,8 @@ void markRows(RowListModel* list, const QVariant& selected) {
 } // namespace
 
 AnalyticsViewModel::AnalyticsViewModel(AppState& state, ManagedApp app, QObject* parent)
-    : QObject(parent), m_state(state), m_app(std::move(app)), m_requestsOp(new ModelOperation(this)),
+    : QObject(parent), m_state(state), m_app(std::move(app)),
+      m_performance(new PerformanceViewModel(state, m_app, this)), m_requestsOp(new ModelOperation(this)),
       m_creatingOp(new ModelOperation(this)), m_reportsOp(new ModelOperation(this)),
       m_instancesOp(new ModelOperation(this)), m_segmentsOp(new ModelOperation(this)),
       m_tableOp(new ModelOperation(this)),

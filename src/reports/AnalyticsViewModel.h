@@ -15,6 +15,7 @@
 class AppState;
 class AppStoreConnectClient;
 class ModelOperation;
+class PerformanceViewModel;
 class RowListModel;
 
 // The analytics screen of an app: walk from a report request to one of its reports, an instance
@@ -24,6 +25,9 @@ class RowListModel;
 class AnalyticsViewModel : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("api/RowListModel.h")
+    Q_MOC_INCLUDE("reports/PerformanceViewModel.h")
+    // Apple's performance figures of the same app, the section's second tab.
+    Q_PROPERTY(PerformanceViewModel* performance READ performance CONSTANT)
     Q_PROPERTY(RowListModel* requests READ requests CONSTANT)
     Q_PROPERTY(bool isLoadingRequests READ isLoadingRequests NOTIFY isLoadingRequestsChanged)
     Q_PROPERTY(QString requestsError READ requestsError NOTIFY requestsErrorChanged)
@@ -72,6 +76,7 @@ public:
     AnalyticsViewModel(AppState& state, ManagedApp app, QObject* parent = nullptr);
     ~AnalyticsViewModel() override;
 
+    PerformanceViewModel* performance() const { return m_performance; }
     RowListModel* requests() const { return m_requestRows; }
     bool isLoadingRequests() const;
     QString requestsError() const;
@@ -182,6 +187,7 @@ private:
 
     AppState& m_state;
     ManagedApp m_app;
+    PerformanceViewModel* m_performance;
     ModelOperation* m_requestsOp;
     ModelOperation* m_creatingOp;
     ModelOperation* m_reportsOp;

@@ -13,6 +13,7 @@
 #include "release/BuildsService.h"
 #include "release/VersionsService.h"
 #include "reports/AnalyticsService.h"
+#include "reports/PerformanceService.h"
 #include "reports/ReportArchiveStore.h"
 #include "reports/SalesReportsService.h"
 #include "testflight/TestFlightService.h"
@@ -70,6 +71,7 @@ AppState::AppState(Platform platform, Options options, QObject* parent)
     m_reportArchive = std::make_unique<ReportArchiveStore>(
         ReportArchiveStore::standardDirectory(m_platform.paths), m_platform.clock);
     m_salesReportsService = std::make_unique<SalesReportsService>(m_platform.clock);
+    m_performanceService = std::make_unique<PerformanceService>(m_platform.clock);
     m_accountStore = std::make_unique<AccountStore>(m_platform);
     m_accountStore->setWaitAnnouncer(
         std::make_shared<TaskCenterWaitAnnouncer>(m_taskCenter.get(), m_platform.clock));

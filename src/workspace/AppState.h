@@ -25,6 +25,7 @@ class LocalizationsService;
 class MetadataDraftStore;
 class ReportArchiveStore;
 class SalesReportsService;
+class PerformanceService;
 struct Account;
 
 // The one object that holds the running application together: it owns the stores and
@@ -53,6 +54,7 @@ public:
     MetadataDraftStore& metadataDrafts() const { return *m_metadataDrafts; }
     ReportArchiveStore& reportArchive() const { return *m_reportArchive; }
     SalesReportsService& salesReportsService() const { return *m_salesReportsService; }
+    PerformanceService& performanceService() const { return *m_performanceService; }
 
     // Published state.
     const QList<ManagedApp>& apps() const { return m_apps; }
@@ -132,6 +134,7 @@ private:
     std::unique_ptr<MetadataDraftStore> m_metadataDrafts;
     std::unique_ptr<ReportArchiveStore> m_reportArchive;
     std::unique_ptr<SalesReportsService> m_salesReportsService;
+    std::unique_ptr<PerformanceService> m_performanceService;
     std::unique_ptr<AccountStore> m_accountStore;
 
     QList<ManagedApp> m_apps;

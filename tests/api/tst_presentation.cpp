@@ -9,6 +9,7 @@
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
 #include "reports/AnalyticsViewModel.h"
+#include "reports/PerformanceViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
@@ -186,6 +187,7 @@ private Q_SLOTS:
             &BetaAppInfoViewModel::staticMetaObject,
             &BetaFeedbackViewModel::staticMetaObject,
             &AnalyticsViewModel::staticMetaObject,
+            &PerformanceViewModel::staticMetaObject,
         };
         for (const QMetaObject* type : types) {
             QTest::newRow(type->className()) << type;

@@ -178,6 +178,22 @@ private Q_SLOTS:
     }
 
     // In demo mode nothing goes to Apple: asking for a snapshot says so where the requests are.
+    // The section's second tab holds the performance figures; looking at it is what loads them.
+    void performanceTab() {
+        openAnalytics();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(!shownItem(mainWindow(), u"perfError"_s));
+        QVERIFY(clickNamed(mainWindow(), u"analyticsTab_1"_s));
+        QQuickItem* error = findItem(mainWindow(), u"perfError"_s);
+        QVERIFY(error);
+        QTRY_VERIFY(error->property("text").toString().startsWith(u"Im Demo-Modus liegen keine"_s));
+        QVERIFY(!shownItem(mainWindow(), u"analyticsChart"_s));
+        QVERIFY(clickNamed(mainWindow(), u"analyticsTab_0"_s));
+        QTRY_VERIFY(!shownItem(mainWindow(), u"perfError"_s));
+    }
+
     void snapshotRequestInDemoIsOnlyShown() {
         openAnalytics();
         if (QTest::currentTestFailed()) {
