@@ -13,10 +13,11 @@
 #include "api/WriteConfirmationViewModel.h"
 #include "metadata/MetadataViewModel.h"
 #include "release/VersionsListViewModel.h"
-#include "testflight/BulkActionsViewModel.h"
+#include "reports/SalesViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
+#include "testflight/BulkActionsViewModel.h"
 #include "testflight/TestFlightViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppWindowViewModel.h"
@@ -164,5 +165,12 @@ struct BulkActionsViewModelForeign {
     Q_GADGET
     QML_FOREIGN(BulkActionsViewModel)
     QML_NAMED_ELEMENT(BulkActionsViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct SalesViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(SalesViewModel)
+    QML_NAMED_ELEMENT(SalesViewModel)
     QML_UNCREATABLE("made by the application")
 };

@@ -5,3 +5,4 @@ varnis_add_test(NAME tst_reportarchive LABEL unit SOURCES ${CMAKE_CURRENT_LIST_D
 target_link_libraries(tst_reportarchive PRIVATE varnis_cli)
 varnis_add_test(NAME tst_salesreports LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_salesreports.cpp)
 target_link_libraries(tst_salesreports PRIVATE varnis_cli)
+varnis_add_test(NAME tst_salesarchive LABEL unit SOURCES ${CMAKE_CURRENT_LIST_DIR}/tst_salesarchive.cpp)
