@@ -46,12 +46,18 @@ int periodsOffered(SalesReportFrequency frequency) {
     return 1;
 }
 
+// A weekly report is asked for by the Sunday that ends its week, in UTC.
+QDateTime weekEnding(const QDateTime& date) {
+    const int daysAfterSunday = date.toTimeZone(QTimeZone::utc()).date().dayOfWeek() % 7;
+    return date.addDays(-daysAfterSunday);
+}
+
 QDateTime periodBack(SalesReportFrequency frequency, const QDateTime& date, int steps) {
     switch (frequency) {
     case SalesReportFrequency::Daily:
         return date.addDays(-steps);
     case SalesReportFrequency::Weekly:
-        return date.addDays(-7 * steps);
+        return weekEnding(date).addDays(-7 * steps);
     case SalesReportFrequency::Monthly:
         return date.addMonths(-steps);
     case SalesReportFrequency::Yearly:
@@ -181,6 +187,10 @@ void SalesViewModel::setFrequencyValue(SalesReportFrequency frequency) {
         return;
     }
     m_frequency = frequency;
+    if (m_frequency == SalesReportFrequency::Weekly && weekEnding(m_date) != m_date) {
+        m_date = weekEnding(m_date);
+        Q_EMIT dateChanged();
+    }
     Q_EMIT frequencyChanged();
     Q_EMIT dateUnitLabelChanged();
     Q_EMIT frequencyIndexChanged();
@@ -190,11 +200,12 @@ void SalesViewModel::setFrequencyValue(SalesReportFrequency frequency) {
 }
 
 void SalesViewModel::setDate(const QDateTime& date) {
-    if (!date.isValid() || date == m_date) {
+    const QDateTime chosen = m_frequency == SalesReportFrequency::Weekly ? weekEnding(date) : date;
+    if (!chosen.isValid() || chosen == m_date) {
         return;
     }
     const QString before = reportDateText();
-    m_date = date;
+    m_date = chosen;
     Q_EMIT dateChanged();
     if (reportDateText() != before) {
         Q_EMIT reportDateChanged();

@@ -50,7 +50,7 @@ class SalesViewModel : public QObject {
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
     Q_PROPERTY(QString vendorNumberHint READ vendorNumberHint NOTIFY vendorNumberHintChanged)
     // The period as Apple's filter text, and the periods the chooser offers for the frequency:
-    // none in the future, in the form the frequency takes.
+    // none in the future, in the form the frequency takes; a week by the Sunday that ends it.
     Q_PROPERTY(QString reportDate READ reportDateText WRITE setReportDateText NOTIFY reportDateChanged)
     Q_PROPERTY(QVariantList periodOptions READ periodOptions NOTIFY periodOptionsChanged)
     Q_PROPERTY(QString financeMonth READ financeMonth WRITE setFinanceMonth NOTIFY financeMonthChanged)

@@ -397,6 +397,10 @@ private Q_SLOTS:
             << u"DAILY"_s << u"2026-04-02"_s << u"2026-03-29"_s << u"2026-03-29"_s;
         QTest::newRow("a month where a day is wanted")
             << u"DAILY"_s << u"2026-03"_s << u"2026-03-29"_s << u"2026-03-29"_s;
+        QTest::newRow("a week by a day in it: the Sunday that ends it")
+            << u"WEEKLY"_s << u"2026-03-25"_s << u"2026-03-22"_s << u"2026-03-22"_s;
+        QTest::newRow("a week by its Sunday")
+            << u"WEEKLY"_s << u"2026-03-15"_s << u"2026-03-15"_s << u"2026-03-15"_s;
         QTest::newRow("a month") << u"MONTHLY"_s << u"2026-01"_s << u"2026-01"_s << u"2026-01"_s;
         QTest::newRow("an older day than offered is kept and shown")
             << u"DAILY"_s << u"2025-12-24"_s << u"2025-12-24"_s << u"2025-12-24"_s;
