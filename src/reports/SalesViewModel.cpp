@@ -31,6 +31,15 @@ QVariantMap option(const QString& value, const QString& label) {
     return QVariantMap{{u"value"_s, value}, {u"label"_s, label}};
 }
 
+int indexOfValue(const QVariantList& options, const QString& value) {
+    for (qsizetype i = 0; i < options.size(); ++i) {
+        if (options[i].toMap().value(u"value"_s).toString() == value) {
+            return int(i);
+        }
+    }
+    return -1;
+}
+
 // How many periods back the chooser reaches: about what Apple keeps of each kind.
 int periodsOffered(SalesReportFrequency frequency) {
     switch (frequency) {
@@ -240,7 +249,9 @@ QVariantList SalesViewModel::periodOptions() const {
 
 void SalesViewModel::setFinanceMonth(const QString& month) {
     const auto normalized = SalesReportKinds::normalizedReportDate(SalesReportFrequency::Monthly, month);
-    if (normalized && *normalized != m_financeMonth) {
+    // Only a month the chooser offers: none ahead, none beyond what Apple keeps.
+    if (normalized && *normalized != m_financeMonth &&
+        indexOfValue(financeMonthOptions(), *normalized) >= 0) {
         m_financeMonth = *normalized;
         Q_EMIT financeMonthChanged();
         Q_EMIT financeMonthIndexChanged();
@@ -256,17 +267,6 @@ QVariantList SalesViewModel::financeMonthOptions() const {
     }
     return options;
 }
-
-namespace {
-int indexOfValue(const QVariantList& options, const QString& value) {
-    for (qsizetype i = 0; i < options.size(); ++i) {
-        if (options[i].toMap().value(u"value"_s).toString() == value) {
-            return int(i);
-        }
-    }
-    return -1;
-}
-} // namespace
 
 int SalesViewModel::typeIndex() const {
     return indexOfValue(typeOptions(), reportType());
@@ -402,6 +402,7 @@ void SalesViewModel::publish(ManagedSalesReport report, std::optional<SalesCompa
     m_comparison = std::move(comparison);
     m_report = std::move(report);
     m_reportVendor = std::move(vendorNumber);
+    m_reportIsSample = false;
     QList<RowListModel::Row> rows;
     const AnalyticsTable& table = m_report->table;
     for (qsizetype r = 0; r < std::min<qsizetype>(table.rowCount(), previewRows); ++r) {
@@ -561,38 +562,44 @@ QCoro::Task<> SalesViewModel::loadDemo(bool finance) {
         const SalesSummary previous = SalesSummary::of(MockData::salesReport(m_type, m_frequency, before));
         publish(std::move(report), SalesComparison{current, previous}, MockData::salesVendorNumber());
     }
+    m_reportIsSample = true;
     run.succeed();
     co_return;
 }
 
 void SalesViewModel::demoOrAccountChanged() {
-    // When the demo ends, its samples go: the report on screen and the folder of kept ones.
-    if (!m_state.isDemoActive() && m_demoArchive) {
+    if (!m_state.isDemoActive()) {
+        // When the demo ends, its samples go: the folder of kept ones and the report on screen.
         m_demoArchive.reset();
         m_demoFolder.reset();
-        if (m_reportVendor == MockData::salesVendorNumber()) {
-            m_loading->abandon();
-            m_loading->clearError();
-            m_report.reset();
-            m_summary.reset();
-            m_comparison.reset();
-            m_reportVendor.clear();
-            m_rows->setRows({});
-            setStatusMessage({});
-            Q_EMIT hasReportChanged();
-            Q_EMIT reportCaptionChanged();
-            Q_EMIT columnsChanged();
-            Q_EMIT rowsNoteChanged();
-            Q_EMIT unitsTextChanged();
-            Q_EMIT proceedsTextChanged();
-            Q_EMIT rowCountChanged();
-            Q_EMIT comparisonTextChanged();
-            Q_EMIT canArchiveChanged();
-            Q_EMIT canExportChanged();
-            Q_EMIT exportProposalChanged();
+        if (m_reportIsSample) {
+            forgetReport();
         }
     }
     loadArchive();
+}
+
+void SalesViewModel::forgetReport() {
+    m_loading->abandon();
+    m_loading->clearError();
+    m_report.reset();
+    m_summary.reset();
+    m_comparison.reset();
+    m_reportVendor.clear();
+    m_reportIsSample = false;
+    m_rows->setRows({});
+    setStatusMessage({});
+    Q_EMIT hasReportChanged();
+    Q_EMIT reportCaptionChanged();
+    Q_EMIT columnsChanged();
+    Q_EMIT rowsNoteChanged();
+    Q_EMIT unitsTextChanged();
+    Q_EMIT proceedsTextChanged();
+    Q_EMIT rowCountChanged();
+    Q_EMIT comparisonTextChanged();
+    Q_EMIT canArchiveChanged();
+    Q_EMIT canExportChanged();
+    Q_EMIT exportProposalChanged();
 }
 
 ReportArchiveStore& SalesViewModel::archiveStore() {

@@ -218,6 +218,7 @@ Q_SIGNALS:
 private:
     QCoro::Task<> loadDemo(bool finance);
     void demoOrAccountChanged();
+    void forgetReport();
     void setRemovalCandidate(const QString& fileName);
     // A new piece of work clears what the others said last.
     void clearErrorsBut(ModelOperation* operation);
@@ -241,6 +242,7 @@ private:
     int m_selectedTab = 0;
     // Whose report is loaded: a kept report carries its own vendor number.
     QString m_reportVendor;
+    bool m_reportIsSample = false;
     QString m_removalCandidate;
     ReportExport::Format m_exportFormat = ReportExport::Format::Csv;
     std::unique_ptr<QTemporaryDir> m_demoFolder;

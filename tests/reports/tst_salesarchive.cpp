@@ -422,6 +422,36 @@ private Q_SLOTS:
         QCOMPARE(QUrlQuery(sent.first().url).queryItemValue(u"filter[reportDate]"_s), requested);
     }
 
+    // The finance month: one of the months offered, and that month goes out.
+    void financeMonth_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("month");
+        QTest::newRow("an offered month") << u"2026-01"_s << u"2026-01"_s;
+        QTest::newRow("the oldest offered") << u"2024-04"_s << u"2024-04"_s;
+        QTest::newRow("older than offered") << u"2024-03"_s << u"2026-03"_s;
+        QTest::newRow("a month ahead") << u"2026-04"_s << u"2026-03"_s;
+        QTest::newRow("a day is no month") << u"2026-01-15"_s << u"2026-03"_s;
+    }
+    void financeMonth() {
+        QFETCH(QString, text);
+        QFETCH(QString, month);
+        Fixture app;
+        QCOMPARE(app.model.financeMonthOptions().size(), 24);
+        app.model.setFinanceMonth(text);
+        QCOMPARE(app.model.financeMonth(), month);
+        QCOMPARE(app.model.financeMonthOptions()
+                     .at(app.model.financeMonthIndex())
+                     .toMap()
+                     .value(u"value"_s)
+                     .toString(),
+                 month);
+        VarnisTest::awaitTask(app.model.loadFinanceReport());
+        const auto sent = app.test.transport->requestsTo("GET", u"/v1/financeReports"_s);
+        QCOMPARE(sent.size(), 1);
+        QCOMPARE(QUrlQuery(sent.first().url).queryItemValue(u"filter[reportDate]"_s), month);
+        QCOMPARE(app.model.reportCaption(), u"Finanzbericht · Region ZZ · "_s + month);
+    }
+
     // The reports page takes the place of the section until an app or a section is chosen.
     void reportsPlace_data() {
         QTest::addColumn<QString>("action");
