@@ -36,8 +36,13 @@ ColumnLayout {
         model: tab.model.archive
         keyNavigationEnabled: true
         activeFocusOnTab: true
+        highlightMoveDuration: 0
         ScrollBar.vertical: ScrollBar {}
         Accessible.name: "Verlauf"
+        // The list has the keys: Return reopens the chosen line, Delete asks to remove it.
+        Keys.onReturnPressed: tab.model.startLoadFromArchiveAt(currentIndex)
+        Keys.onEnterPressed: tab.model.startLoadFromArchiveAt(currentIndex)
+        Keys.onDeletePressed: tab.model.requestRemovalAt(currentIndex)
         delegate: ItemDelegate {
             id: entry
             required property string fileName
@@ -49,9 +54,10 @@ ColumnLayout {
             width: ListView.view.width
             highlighted: ListView.isCurrentItem
             Accessible.name: accessibleName
-            onClicked: list.currentIndex = index
-            Keys.onReturnPressed: tab.model.startLoadFromArchive(fileName)
-            Keys.onDeletePressed: tab.model.requestRemoval(fileName)
+            onClicked: {
+                list.currentIndex = index
+                list.forceActiveFocus()
+            }
             contentItem: RowLayout {
                 spacing: 8
                 ColumnLayout {

@@ -741,6 +741,18 @@ void SalesViewModel::requestRemoval(const QString& fileName) {
     }
 }
 
+void SalesViewModel::startLoadFromArchiveAt(int row) {
+    if (row >= 0 && row < m_archiveRows->count()) {
+        startLoadFromArchive(m_archiveRows->value(row, ArchiveFileName).toString());
+    }
+}
+
+void SalesViewModel::requestRemovalAt(int row) {
+    if (row >= 0 && row < m_archiveRows->count()) {
+        requestRemoval(m_archiveRows->value(row, ArchiveFileName).toString());
+    }
+}
+
 void SalesViewModel::cancelRemoval() {
     setRemovalCandidate({});
 }

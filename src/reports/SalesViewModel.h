@@ -164,6 +164,9 @@ public:
     // Asks first; only `confirmRemoval` removes.
     Q_INVOKABLE void requestRemoval(const QString& fileName);
     Q_INVOKABLE void confirmRemoval();
+    // The same for the line at that position of `archive` (the keyboard's choice).
+    Q_INVOKABLE void startLoadFromArchiveAt(int row);
+    Q_INVOKABLE void requestRemovalAt(int row);
     Q_INVOKABLE void cancelRemoval();
     // "csv" or "json": what the save dialog opened next proposes.
     Q_INVOKABLE void prepareExport(const QString& format);

@@ -212,6 +212,40 @@ private Q_SLOTS:
         }
     }
 
+    // The keyboard names a line by its position; a position without a line does nothing.
+    void byPosition_data() {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("acts");
+        QTest::newRow("the first line") << 0 << true;
+        QTest::newRow("the second line") << 1 << true;
+        QTest::newRow("no line chosen") << -1 << false;
+        QTest::newRow("past the end") << 2 << false;
+    }
+    void byPosition() {
+        QFETCH(int, row);
+        QFETCH(bool, acts);
+        Fixture app;
+        SalesViewModel& model = app.model;
+        VarnisTest::awaitTask(model.load());
+        VarnisTest::awaitTask(model.archiveCurrentReport());
+        app.test.clock->advance(60);
+        VarnisTest::awaitTask(model.loadFinanceReport());
+        VarnisTest::awaitTask(model.archiveCurrentReport());
+        QCOMPARE(model.archiveRows()->count(), 2);
+        const QString title =
+            acts ? model.archiveRows()->value(row, SalesViewModel::ArchiveTitle).toString() : QString();
+
+        model.requestRemovalAt(row);
+        QCOMPARE(model.isConfirmingRemoval(), acts);
+        QCOMPARE(model.removalQuestion().contains(title), true);
+        model.cancelRemoval();
+
+        model.startLoadFromArchiveAt(row);
+        QTRY_VERIFY(!model.isLoading());
+        QCOMPARE(model.reportCaption(), acts ? title : u"Finanzbericht · Region ZZ · 2026-03"_s);
+        QCOMPARE(model.statusMessage().startsWith(u"Aus dem Verlauf geladen"_s), acts);
+    }
+
     // The dialog proposes the lower-cased type and the date, in the format chosen last.
     void exportProposal_data() {
         QTest::addColumn<bool>("finance");

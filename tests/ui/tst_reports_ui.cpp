@@ -147,8 +147,19 @@ private Q_SLOTS:
             textOf(mainWindow(), u"reportsStatus"_s).startsWith(u"Aus dem Verlauf geladen (abgelegt am "_s));
         shoot(mainWindow(), u"reports-archive"_s);
 
-        // Removing asks first; Esc keeps the report.
-        QVERIFY(clickNamed(mainWindow(), u"removeArchived_0"_s));
+        // The same by keyboard: Return on the line reopens it.
+        QVERIFY(clickNamed(mainWindow(), u"loadSalesButton"_s));
+        QTRY_COMPARE(textOf(mainWindow(), u"reportCaption"_s), u"Verkäufe · Täglich · 2026-01-13"_s);
+        QQuickItem* list = findItem(mainWindow(), u"archiveList"_s);
+        QVERIFY(list);
+        QVERIFY(clickNamed(mainWindow(), u"archiveEntry_0"_s));
+        QTRY_VERIFY(list->hasActiveFocus());
+        QTest::keyClick(mainWindow(), Qt::Key_Return);
+        QTRY_COMPARE(textOf(mainWindow(), u"reportCaption"_s), u"Finanzbericht · Region ZZ · 2026-01"_s);
+
+        // Removing asks first, by Delete as by the button; Esc keeps the report.
+        QTRY_VERIFY(list->hasActiveFocus());
+        QTest::keyClick(mainWindow(), Qt::Key_Delete);
         QVERIFY(findItem(mainWindow(), u"removalQuestion"_s));
         QVERIFY(textOf(mainWindow(), u"removalQuestion"_s)
                     .startsWith(u"„Finanzbericht · Region ZZ · 2026-01“ aus dem Verlauf löschen?"_s));
