@@ -168,6 +168,14 @@ Pane {
             text: page.model.statusMessage
             wrapMode: Text.Wrap
         }
+        Label {
+            objectName: "reportsSampleNote"
+            Layout.fillWidth: true
+            visible: text !== ""
+            text: page.model.sampleNote
+            wrapMode: Text.Wrap
+            font.italic: true
+        }
 
         TabBar {
             objectName: "reportTabs"

@@ -402,7 +402,7 @@ void SalesViewModel::publish(ManagedSalesReport report, std::optional<SalesCompa
     m_comparison = std::move(comparison);
     m_report = std::move(report);
     m_reportVendor = std::move(vendorNumber);
-    m_reportIsSample = false;
+    setReportIsSample(false);
     QList<RowListModel::Row> rows;
     const AnalyticsTable& table = m_report->table;
     for (qsizetype r = 0; r < std::min<qsizetype>(table.rowCount(), previewRows); ++r) {
@@ -562,9 +562,23 @@ QCoro::Task<> SalesViewModel::loadDemo(bool finance) {
         const SalesSummary previous = SalesSummary::of(MockData::salesReport(m_type, m_frequency, before));
         publish(std::move(report), SalesComparison{current, previous}, MockData::salesVendorNumber());
     }
-    m_reportIsSample = true;
+    setReportIsSample(true);
     run.succeed();
     co_return;
+}
+
+QString SalesViewModel::sampleNote() const {
+    if (!m_reportIsSample || !m_report) {
+        return {};
+    }
+    return (!m_report->financeRegion ? u"Im Demo-Modus liegen keine Verkaufsberichte vor."_s
+                                     : u"Im Demo-Modus liegen keine Finanzberichte vor."_s) +
+           u" Gezeigt wird ein Beispielbericht; an Apple ging nichts."_s;
+}
+
+void SalesViewModel::setReportIsSample(bool sample) {
+    m_reportIsSample = sample;
+    Q_EMIT sampleNoteChanged();
 }
 
 void SalesViewModel::demoOrAccountChanged() {
@@ -586,7 +600,7 @@ void SalesViewModel::forgetReport() {
     m_summary.reset();
     m_comparison.reset();
     m_reportVendor.clear();
-    m_reportIsSample = false;
+    setReportIsSample(false);
     m_rows->setRows({});
     setStatusMessage({});
     Q_EMIT hasReportChanged();

@@ -48,6 +48,7 @@ class SalesViewModel : public QObject {
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
+    Q_PROPERTY(QString sampleNote READ sampleNote NOTIFY sampleNoteChanged)
     Q_PROPERTY(QString vendorNumberHint READ vendorNumberHint NOTIFY vendorNumberHintChanged)
     // The period as Apple's filter text, and the periods the chooser offers for the frequency:
     // none in the future, in the form the frequency takes; a week by the Sunday that ends it.
@@ -115,6 +116,8 @@ public:
     bool isLoading() const;
     QString errorMessage() const;
     QString statusMessage() const { return m_statusMessage; }
+    // In demo mode Apple has no report to give; what the screen shows is a sample, and says so.
+    QString sampleNote() const;
     QString vendorNumberHint() const;
 
     QString reportDateText() const { return SalesReportKinds::reportDate(m_frequency, m_date); }
@@ -199,6 +202,7 @@ Q_SIGNALS:
     void isLoadingChanged();
     void errorMessageChanged();
     void statusMessageChanged();
+    void sampleNoteChanged();
     void vendorNumberHintChanged();
     void reportDateChanged();
     void periodOptionsChanged();
@@ -246,6 +250,7 @@ private:
     // Whose report is loaded: a kept report carries its own vendor number.
     QString m_reportVendor;
     bool m_reportIsSample = false;
+    void setReportIsSample(bool sample);
     QString m_removalCandidate;
     ReportExport::Format m_exportFormat = ReportExport::Format::Csv;
     std::unique_ptr<QTemporaryDir> m_demoFolder;

@@ -341,6 +341,9 @@ private Q_SLOTS:
         VarnisTest::awaitTask(finance ? model.loadFinanceReport() : model.load());
         QCOMPARE(model.errorMessage(), QString());
         QCOMPARE(model.reportCaption(), caption);
+        QCOMPARE(model.sampleNote(), (finance ? u"Im Demo-Modus liegen keine Finanzberichte vor."_s
+                                              : u"Im Demo-Modus liegen keine Verkaufsberichte vor."_s) +
+                                         u" Gezeigt wird ein Beispielbericht; an Apple ging nichts."_s);
         QVERIFY(model.rowCount() > 0);
         QCOMPARE(model.rows()->count(), model.rowCount());
         QCOMPARE(model.unitsText() != u"keine Spalte"_s, hasUnits);
@@ -365,6 +368,7 @@ private Q_SLOTS:
         app.state.setDemoModeEnabled(false);
         QCOMPARE(model.archiveRows()->count(), 0);
         QVERIFY(!model.hasReport());
+        QCOMPARE(model.sampleNote(), QString());
         QCOMPARE(model.rows()->count(), 0);
         QVERIFY(!QFileInfo::exists(demoFolder));
         app.state.setDemoModeEnabled(true);

@@ -99,6 +99,8 @@ private Q_SLOTS:
         QCOMPARE(textOf(mainWindow(), u"proceedsValue"_s), m_model->proceedsText());
         QVERIFY(textOf(mainWindow(), u"comparisonText"_s).contains(u"Vorperiode"_s));
         QCOMPARE(m_model->errorMessage(), QString());
+        QCOMPARE(textOf(mainWindow(), u"reportsSampleNote"_s), m_model->sampleNote());
+        QVERIFY(m_model->sampleNote().startsWith(u"Im Demo-Modus liegen keine Verkaufsberichte vor."_s));
 
         QVERIFY(clickNamed(mainWindow(), u"reportTab_1"_s));
         QQuickItem* firstRow = findItem(mainWindow(), u"reportRow_0"_s);
