@@ -56,6 +56,21 @@ Rectangle {
             }
         }
 
+        // Sales and finance are the account's, not an app's: one entry above the apps.
+        Loader {
+            Layout.fillWidth: true
+            active: pane.settled
+            sourceComponent: ItemDelegate {
+                objectName: "reportsEntry"
+                text: Shell.workspace.reportsTitle
+                highlighted: Shell.workspace.showsReports
+                Accessible.name: Shell.workspace.reportsTitle
+                onClicked: Shell.workspace.showReports()
+                Keys.onReturnPressed: Shell.workspace.showReports()
+                Keys.onSpacePressed: Shell.workspace.showReports()
+            }
+        }
+
         Label {
             Layout.fillWidth: true
             Layout.margins: 10

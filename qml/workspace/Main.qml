@@ -106,13 +106,13 @@ ApplicationWindow {
             Layout.preferredWidth: Math.min(210, root.width * 0.2)
             Layout.fillHeight: true
             active: Shell.workspace.hasSelectedApp
-            visible: active
+            visible: active && !Shell.workspace.showsReports
             Component.onCompleted: setSource("SectionSidebar.qml", { "host": Shell.workspace.sections })
         }
         Rectangle {
             Layout.fillHeight: true
             Layout.preferredWidth: 1
-            visible: Shell.workspace.hasSelectedApp
+            visible: Shell.workspace.hasSelectedApp && !Shell.workspace.showsReports
             color: palette.mid
         }
         // The section's side comes a frame after the apps as well.
@@ -120,7 +120,17 @@ ApplicationWindow {
             Layout.fillWidth: true
             Layout.fillHeight: true
             active: root.settled
+            visible: !Shell.workspace.showsReports
             Component.onCompleted: setSource("SectionContent.qml", { "host": Shell.workspace.sections })
+        }
+        // The account's reports take the place of the section; made when first shown.
+        Loader {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            active: Shell.workspace.showsReports
+            visible: active
+            Component.onCompleted: setSource("qrc:/qt/qml/Varnis/Sales/SalesPage.qml",
+                                             { "model": Shell.workspace.reports, "title": Shell.workspace.reportsTitle })
         }
     }
 

@@ -94,6 +94,12 @@ MenuBar {
             onObjectAdded: (index, object) => goToMenu.insertAction(index + 2, object)
             onObjectRemoved: (index, object) => goToMenu.removeAction(object)
         }
+        MenuSeparator {}
+        Action {
+            text: Shell.workspace.reportsTitle
+            shortcut: "Ctrl+B"
+            onTriggered: Shell.workspace.showReports()
+        }
     }
     Menu {
         title: "&Hilfe"

@@ -15,6 +15,7 @@
 #include "release/VersionsListViewModel.h"
 #include "reports/AnalyticsViewModel.h"
 #include "reports/PerformanceViewModel.h"
+#include "reports/SalesViewModel.h"
 #include "testflight/BetaAppInfoViewModel.h"
 #include "testflight/BetaBuildDetailViewModel.h"
 #include "testflight/BetaFeedbackViewModel.h"
@@ -180,5 +181,12 @@ struct PerformanceViewModelForeign {
     Q_GADGET
     QML_FOREIGN(PerformanceViewModel)
     QML_NAMED_ELEMENT(PerformanceViewModel)
+    QML_UNCREATABLE("made by the application")
+};
+
+struct SalesViewModelForeign {
+    Q_GADGET
+    QML_FOREIGN(SalesViewModel)
+    QML_NAMED_ELEMENT(SalesViewModel)
     QML_UNCREATABLE("made by the application")
 };

@@ -1,5 +1,7 @@
 #include "workspace/MockData.h"
 
+#include "reports/ReportDecimal.h"
+
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -592,4 +594,128 @@ QByteArray MockData::analyticsSegmentText(const QString& segmentID, const QDateT
         }
     }
     return text;
+}
+
+namespace {
+
+// A small number that is the same for the same text on every run and every machine (qHash is
+// seeded per process).
+quint32 stableSeed(const QString& text) {
+    quint32 seed = 2166136261u;
+    for (const QChar c : text) {
+        seed = (seed ^ c.unicode()) * 16777619u;
+    }
+    return seed;
+}
+
+// The first and last day a report of that period covers, as Apple's tables write dates.
+std::pair<QString, QString> periodDays(SalesReportFrequency frequency, const QString& reportDate) {
+    QDate first;
+    QDate last;
+    switch (frequency) {
+    case SalesReportFrequency::Daily:
+        first = last = QDate::fromString(reportDate, u"yyyy-MM-dd"_s);
+        break;
+    case SalesReportFrequency::Weekly:
+        last = QDate::fromString(reportDate, u"yyyy-MM-dd"_s);
+        first = last.addDays(-6);
+        break;
+    case SalesReportFrequency::Monthly:
+        first = QDate::fromString(reportDate, u"yyyy-MM"_s);
+        last = first.addMonths(1).addDays(-1);
+        break;
+    case SalesReportFrequency::Yearly:
+        first = QDate::fromString(reportDate, u"yyyy"_s);
+        last = first.addYears(1).addDays(-1);
+        break;
+    }
+    return {first.toString(u"MM/dd/yyyy"_s), last.toString(u"MM/dd/yyyy"_s)};
+}
+
+int daysIn(SalesReportFrequency frequency) {
+    switch (frequency) {
+    case SalesReportFrequency::Daily:
+        return 1;
+    case SalesReportFrequency::Weekly:
+        return 7;
+    case SalesReportFrequency::Monthly:
+        return 30;
+    case SalesReportFrequency::Yearly:
+        return 365;
+    }
+    return 1;
+}
+
+struct DemoProduct {
+    QString sku;
+    QString title;
+    QString appleID;
+    // Per unit, in euros; the weather app is free.
+    QString proceeds;
+    QString price;
+};
+
+QList<DemoProduct> demoProducts() {
+    return {{u"AURORAJOURNAL"_s, u"Aurora Journal"_s, u"6450000001"_s, u"2.09"_s, u"2.99"_s},
+            {u"FJORDWEATHER"_s, u"Fjord Weather"_s, u"6450000002"_s, u"0.00"_s, u"0.00"_s},
+            {u"RUNESTONENOTES"_s, u"Runestone Notes"_s, u"6450000003"_s, u"3.49"_s, u"4.99"_s},
+            {u"VARNISBUDGET"_s, u"Varnis Budget"_s, u"6450000004"_s, u"0.70"_s, u"0.99"_s}};
+}
+
+const QStringList demoCountries{u"DE"_s, u"AT"_s, u"CH"_s};
+
+} // namespace
+
+QString MockData::salesVendorNumber() {
+    return u"80012345"_s;
+}
+
+AnalyticsTable MockData::salesReport(SalesReportType type, SalesReportFrequency frequency,
+                                     const QString& reportDate) {
+    const auto [begin, end] = periodDays(frequency, reportDate);
+    QStringList lines{u"Provider\tProvider Country\tSKU\tDeveloper\tTitle\tVersion\tProduct Type "
+                      u"Identifier\tUnits\tDeveloper Proceeds\tBegin Date\tEnd Date\tCustomer "
+                      u"Currency\tCountry Code\tCurrency of Proceeds\tApple Identifier\tCustomer Price"_s};
+    const quint32 seed = stableSeed(SalesReportKinds::rawValue(type) + reportDate);
+    int index = 0;
+    for (const DemoProduct& product : demoProducts()) {
+        for (const QString& country : demoCountries) {
+            const int units =
+                int((seed >> (index % 24)) % 9 + 1) * daysIn(frequency) * (country == u"DE"_s ? 3 : 1);
+            lines.append(QStringList{u"APPLE"_s, u"US"_s, product.sku, u"Nordlicht Apps"_s, product.title,
+                                     u"3.2"_s, u"1F"_s, QString::number(units), product.proceeds, begin, end,
+                                     u"EUR"_s, country, u"EUR"_s, product.appleID, product.price}
+                             .join(u'\t'));
+            ++index;
+        }
+    }
+    return AnalyticsTable::parseTSV(lines.join(u'\n'));
+}
+
+AnalyticsTable MockData::financeReport(const QString& regionCode, const QString& month) {
+    const auto [begin, end] = periodDays(SalesReportFrequency::Monthly, month);
+    const QString currency = regionCode == u"US"_s ? u"USD"_s : regionCode == u"GB"_s ? u"GBP"_s : u"EUR"_s;
+    QStringList lines{u"Start Date\tEnd Date\tUPC\tISRC/ISBN\tVendor Identifier\tQuantity\tPartner "
+                      u"Share\tExtended Partner Share\tPartner Share Currency\tSales or Return\tApple "
+                      u"Identifier\tArtist/Show/Developer/Author\tTitle\tProduct Type Identifier\tCountry Of "
+                      u"Sale\tCustomer Price\tCustomer Currency"_s};
+    const quint32 seed = stableSeed(u"FINANCIAL"_s + regionCode + month);
+    int index = 0;
+    for (const DemoProduct& product : demoProducts()) {
+        if (product.proceeds == u"0.00"_s) {
+            continue; // a free app earns nothing, so the finance report has no line for it
+        }
+        for (const QString& country : demoCountries) {
+            const int quantity = int((seed >> (index % 24)) % 40 + 5);
+            const ReportDecimal share =
+                ReportDecimal::parse(product.proceeds.toUtf8()).value_or(ReportDecimal());
+            lines.append(QStringList{
+                begin, end, QString(), QString(), product.sku, QString::number(quantity), product.proceeds,
+                (share * ReportDecimal::fromInteger(quantity)).toString(2), currency, u"S"_s, product.appleID,
+                u"Nordlicht Apps"_s, product.title, u"1F"_s, country, product.price, currency}
+                             .join(u'\t'));
+            ++index;
+        }
+    }
+    return AnalyticsTable::parseTSV(lines.join(u'\n'));
 }

@@ -10,8 +10,10 @@
 #include "monetization/ManagedSubscription.h"
 #include "presence/ManagedAppEvent.h"
 #include "release/VelmoraVersion.h"
+#include "reports/AnalyticsTable.h"
 #include "reports/ManagedAnalyticsReport.h"
 #include "reports/ManagedAnalyticsReportRequest.h"
+#include "reports/SalesReportKinds.h"
 #include "reviews/ManagedReview.h"
 #include "reviews/ManagedReviewResponse.h"
 #include "testflight/ManagedBetaAppLocalization.h"
@@ -93,4 +95,15 @@ QList<ManagedCiBuildRun> ciBuildRuns(const QString& workflowID, const QDateTime&
 // day and device ("-rep1", app usage) or per day and territory (other reports) from 400 days
 // before `now` up to its day, the same for the same day.
 QByteArray analyticsSegmentText(const QString& segmentID, const QDateTime& now);
+} // namespace MockData
+
+// Sales and finance reports of the demo account, as Apple's summary tables would read: one row per
+// demo app and country, figures that differ from period to period (so that the comparison has
+// something to say) but are the same for the same period on every call.
+namespace MockData {
+// The vendor number the demo account's reports carry.
+QString salesVendorNumber();
+AnalyticsTable salesReport(SalesReportType type, SalesReportFrequency frequency, const QString& reportDate);
+// Quantities and "Extended Partner Share" per line, as a finance report has them; no "Units".
+AnalyticsTable financeReport(const QString& regionCode, const QString& month);
 } // namespace MockData

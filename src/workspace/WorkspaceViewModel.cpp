@@ -1,6 +1,7 @@
 #include "workspace/WorkspaceViewModel.h"
 
 #include "api/AccountStore.h"
+#include "reports/SalesViewModel.h"
 #include "workspace/AppListModel.h"
 #include "workspace/AppPreferencesStore.h"
 #include "workspace/AppState.h"
@@ -14,7 +15,8 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
       m_favorites(new AppListModel(state, AppListModel::Kind::Favorites, this)),
       m_recents(new AppListModel(state, AppListModel::Kind::Recent, this)),
       m_all(new AppListModel(state, AppListModel::Kind::All, this)),
-      m_sections(new SectionHost(state, registry, presenter, this)) {
+      m_sections(new SectionHost(state, registry, presenter, this)),
+      m_reports(new SalesViewModel(state, this)) {
     connect(m_all, &AppListModel::countChanged, this, &WorkspaceViewModel::noMatchTextChanged);
     m_recents->setListsAbove({m_favorites});
     m_all->setListsAbove({m_favorites, m_recents});
@@ -37,12 +39,14 @@ WorkspaceViewModel::WorkspaceViewModel(AppState& state, const SectionRegistry& r
     connect(&state.preferences(), &AppPreferencesStore::changed, this,
             &WorkspaceViewModel::showsAppsOfAllAccountsChanged);
     connect(&state, &AppState::selectedAppChanged, this, [this] {
+        leaveReports();
         m_sections->setApp(m_state.selectedApp());
         Q_EMIT hasSelectedAppChanged();
         Q_EMIT selectedAppIDChanged();
         Q_EMIT windowTitleChanged();
     });
     connect(&state, &AppState::selectedSectionChanged, this, [this] {
+        leaveReports();
         m_sections->selectSection(m_state.selectedSection().value_or(SidebarSection::Overview));
     });
     connect(m_sections, &SectionHost::chosen, this, &WorkspaceViewModel::goToSection);
@@ -136,6 +140,9 @@ QString WorkspaceViewModel::selectedAppID() const {
 }
 
 QString WorkspaceViewModel::windowTitle() const {
+    if (m_showsReports) {
+        return reportsTitle() + u" – Varnis"_s;
+    }
     return m_state.selectedApp() ? m_state.selectedApp()->name + u" – Varnis"_s : u"Varnis"_s;
 }
 
@@ -176,9 +183,33 @@ QStringList WorkspaceViewModel::onboardingSteps() const {
     return numbered;
 }
 
+QString WorkspaceViewModel::reportsTitle() const {
+    return u"Berichte"_s;
+}
+
+void WorkspaceViewModel::showReports() {
+    if (!m_showsReports) {
+        m_showsReports = true;
+        Q_EMIT showsReportsChanged();
+        Q_EMIT windowTitleChanged();
+    }
+    // What was kept may have changed on disk or by the command line since.
+    m_reports->loadArchive();
+}
+
+void WorkspaceViewModel::leaveReports() {
+    if (m_showsReports) {
+        m_showsReports = false;
+        Q_EMIT showsReportsChanged();
+        Q_EMIT windowTitleChanged();
+    }
+}
+
 void WorkspaceViewModel::selectApp(const QString& appID) {
     for (const auto& app : m_state.apps()) {
         if (app.id == appID) {
+            // The app that is selected already gets no change signal: back to its section anyway.
+            leaveReports();
             m_state.selectApp(app);
             return;
         }
@@ -225,6 +256,7 @@ bool WorkspaceViewModel::isFavorite(const QString& appID) const {
 }
 
 void WorkspaceViewModel::showAllApps() {
+    leaveReports();
     m_state.clearSelectedApp();
 }
 
@@ -234,6 +266,7 @@ void WorkspaceViewModel::refreshApps() {
 
 void WorkspaceViewModel::selectSection(const QString& raw) {
     if (auto section = SidebarSections::fromRaw(raw)) {
+        leaveReports();
         m_state.setSelectedSection(section);
     }
 }
@@ -243,6 +276,7 @@ void WorkspaceViewModel::goToSection(int position) {
     if (!m_state.selectedApp() || position < 0 || position >= all.size()) {
         return;
     }
+    leaveReports();
     m_state.setSelectedSection(all[position]);
 }
 

@@ -9,6 +9,7 @@
 
 class AppListModel;
 class AppState;
+class SalesViewModel;
 class SectionHost;
 class SectionRegistry;
 class WriteConfirmationViewModel;
@@ -18,6 +19,7 @@ class WriteConfirmationViewModel;
 class WorkspaceViewModel : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("workspace/SectionHost.h")
+    Q_MOC_INCLUDE("reports/SalesViewModel.h")
     Q_PROPERTY(bool isDemoActive READ isDemoActive NOTIFY isDemoActiveChanged)
     Q_PROPERTY(bool isDemoModeEnabled READ isDemoModeEnabled WRITE setDemoModeEnabled NOTIFY
                    isDemoModeEnabledChanged)
@@ -48,6 +50,10 @@ class WorkspaceViewModel : public QObject {
     Q_PROPERTY(bool isCommandPaletteAvailable READ isCommandPaletteAvailable CONSTANT)
     Q_PROPERTY(bool isSearchAvailable READ isSearchAvailable CONSTANT)
     Q_PROPERTY(bool isCheckChangesAvailable READ isCheckChangesAvailable CONSTANT)
+    // The account's reports (sales, finance, the kept ones) in place of an app's section.
+    Q_PROPERTY(bool showsReports READ showsReports NOTIFY showsReportsChanged)
+    Q_PROPERTY(SalesViewModel* reports READ reports CONSTANT)
+    Q_PROPERTY(QString reportsTitle READ reportsTitle CONSTANT)
 
 public:
     WorkspaceViewModel(AppState& state, const SectionRegistry& registry,
@@ -88,6 +94,9 @@ public:
     bool isCommandPaletteAvailable() const { return false; }
     bool isSearchAvailable() const { return false; }
     bool isCheckChangesAvailable() const { return false; }
+    bool showsReports() const { return m_showsReports; }
+    SalesViewModel* reports() const { return m_reports; }
+    QString reportsTitle() const;
 
     Q_INVOKABLE void selectApp(const QString& appID);
     // The app in that row of "Alle Apps" (the keyboard's choice).
@@ -103,6 +112,9 @@ public:
     // While the pointer is over the app lists, the short lists above "Alle Apps" keep their size,
     // so that the row under the pointer stays the row that gets the click.
     Q_INVOKABLE void setPointerOverAppLists(bool over);
+    // Sales and finance belong to the account, not to an app: they take the place of the section
+    // until an app or a section is chosen.
+    Q_INVOKABLE void showReports();
 
     // Start-up: the list, from the disk cache first and the network behind.
     QCoro::Task<> loadAsync(bool forceRefresh);
@@ -124,15 +136,19 @@ Q_SIGNALS:
     void appFilterChanged();
     void noMatchTextChanged();
     void appWindowRequested(const QString& appID);
+    void showsReportsChanged();
 
 private:
     void startLoad(bool forceRefresh);
+    void leaveReports();
 
     AppState& m_state;
     AppListModel* m_favorites;
     AppListModel* m_recents;
     AppListModel* m_all;
     SectionHost* m_sections;
+    SalesViewModel* m_reports;
+    bool m_showsReports = false;
     bool m_onboarding = false;
     QString m_filter;
 };

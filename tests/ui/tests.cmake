@@ -26,3 +26,4 @@ varnis_add_ui_test(tst_bulkactions_ui ${CMAKE_CURRENT_LIST_DIR}/tst_bulkactions_
 varnis_add_ui_test(tst_testflight ${CMAKE_CURRENT_LIST_DIR}/tst_testflight.cpp)
 varnis_add_ui_test(tst_testflightdetail ${CMAKE_CURRENT_LIST_DIR}/tst_testflightdetail.cpp)
 varnis_add_ui_test(tst_analytics_ui ${CMAKE_CURRENT_LIST_DIR}/tst_analytics_ui.cpp)
+varnis_add_ui_test(tst_reports_ui ${CMAKE_CURRENT_LIST_DIR}/tst_reports_ui.cpp)
