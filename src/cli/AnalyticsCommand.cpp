@@ -39,18 +39,6 @@ bool isNamed(const ManagedAnalyticsReport& report, const QString& wanted) {
     return wanted.isEmpty() || report.id == wanted || report.name.contains(wanted, Qt::CaseInsensitive);
 }
 
-// The account the app was listed under; with one account that is the selected one.
-std::optional<Account> accountOf(const AppState& state, const ManagedApp& app) {
-    if (app.accountID) {
-        for (const Account& account : state.accountStore().accounts()) {
-            if (account.id == *app.accountID) {
-                return account;
-            }
-        }
-    }
-    return state.accountStore().selectedAccount();
-}
-
 // The whole chain below the app, or the exception of the first link that failed.
 QCoro::Task<QList<RequestNode>> loadChain(AppState& state, QString appID, QString wantedReport,
                                           std::shared_ptr<AppStoreConnectClient> client) {
@@ -177,29 +165,16 @@ void AnalyticsCommand::declareSegments(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> AnalyticsCommand::segments(Invocation call) {
-    if (call.args.positional.isEmpty()) {
-        co_return call.usage(u"Es fehlt die App (ein Teil ihres Namens oder ihre ID)."_s);
+    const QString wrongCount = u"„analytics segments“ nimmt genau eine App."_s;
+    const AppsCommand::AppTarget target = co_await AppsCommand::findAppTarget(call, 1, wrongCount);
+    if (target.status != 0) {
+        co_return target.status;
     }
-    if (call.args.positional.size() != 1) {
-        co_return call.usage(u"„analytics segments“ nimmt genau eine App."_s);
-    }
-    if (auto status = AppsCommand::requireAccount(call)) {
-        co_return *status;
-    }
-    const auto found = co_await AppsCommand::findNamedApp(call, call.args.positional.first());
-    if (const int* status = std::get_if<int>(&found)) {
-        co_return *status;
-    }
-    const ManagedApp app = std::get<ManagedApp>(found);
-    const auto account = accountOf(call.state, app);
-    if (!account) {
-        co_return call.fail(u"Es ist kein Account ausgewählt."_s);
-    }
+    const ManagedApp& app = target.app;
     const QString wanted = call.args.value(reportOption).trimmed();
     QList<RequestNode> chain;
     try {
-        auto client = co_await call.state.accountStore().makeClient(*account);
-        chain = co_await loadChain(call.state, app.id, wanted, client);
+        chain = co_await loadChain(call.state, app.id, wanted, target.client);
     } catch (const std::exception& error) {
         co_return call.fail(u"Die Analytics-Reports konnten nicht geladen werden: "_s + describeError(error));
     }

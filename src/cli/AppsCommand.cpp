@@ -1,5 +1,8 @@
 #include "cli/AppsCommand.h"
 
+#include "api/AccountStore.h"
+#include "api/PendingWrite.h"
+#include "platform/VarnisError.h"
 #include "wire/VelmoraAPIError.h"
 #include "workspace/AppState.h"
 
@@ -54,6 +57,53 @@ std::optional<int> AppsCommand::requireAccount(const Invocation& call) {
         return std::nullopt;
     }
     return call.fail(VelmoraAPIError::notConfigured().errorDescription());
+}
+
+std::optional<Account> AppsCommand::accountOf(const AppState& state, const ManagedApp& app) {
+    if (app.accountID) {
+        for (const Account& account : state.accountStore().accounts()) {
+            if (account.id == *app.accountID) {
+                return account;
+            }
+        }
+    }
+    return state.accountStore().selectedAccount();
+}
+
+QCoro::Task<AppsCommand::AppTarget> AppsCommand::findAppTarget(Invocation call, qsizetype count,
+                                                               QString wrongCount) {
+    AppTarget target;
+    if (call.args.positional.isEmpty()) {
+        target.status = call.usage(u"Es fehlt die App (ein Teil ihres Namens oder ihre ID)."_s);
+        co_return target;
+    }
+    if (call.args.positional.size() != count) {
+        target.status = call.usage(wrongCount);
+        co_return target;
+    }
+    if (auto status = requireAccount(call)) {
+        target.status = *status;
+        co_return target;
+    }
+    const QString query = call.args.positional.first();
+    const auto app = co_await findNamedApp(call, query);
+    if (const int* status = std::get_if<int>(&app)) {
+        target.status = *status;
+        co_return target;
+    }
+    target.app = std::get<ManagedApp>(app);
+    const auto account = accountOf(call.state, target.app);
+    if (!account) {
+        target.status = call.fail(WriteGate::noAccountMessage());
+        co_return target;
+    }
+    target.account = *account;
+    try {
+        target.client = co_await call.state.accountStore().makeClient(*account);
+    } catch (const std::exception& error) {
+        target.status = call.fail(describeError(error));
+    }
+    co_return target;
 }
 
 void AppsCommand::declare(CommandSyntax& syntax) {

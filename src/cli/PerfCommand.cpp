@@ -20,18 +20,6 @@ namespace {
 const QString jsonFlag = u"json"_s;
 const QString deviceOption = u"device"_s;
 
-// The account the app was listed under; with one account that is the selected one.
-std::optional<Account> accountOf(const AppState& state, const ManagedApp& app) {
-    if (app.accountID) {
-        for (const Account& account : state.accountStore().accounts()) {
-            if (account.id == *app.accountID) {
-                return account;
-            }
-        }
-    }
-    return state.accountStore().selectedAccount();
-}
-
 QJsonValue optionalNumber(const std::optional<double>& value) {
     return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Null);
 }
@@ -60,28 +48,16 @@ void declareMetrics(CommandSyntax& syntax) {
 }
 
 QCoro::Task<int> metrics(Invocation call) {
-    if (call.args.positional.size() != 1) {
-        co_return call.usage(call.args.positional.isEmpty()
-                                 ? u"Es fehlt die App (ein Teil ihres Namens oder ihre ID)."_s
-                                 : u"„perf metrics“ nimmt genau eine App."_s);
+    const QString wrongCount = u"„perf metrics“ nimmt genau eine App."_s;
+    const AppsCommand::AppTarget target = co_await AppsCommand::findAppTarget(call, 1, wrongCount);
+    if (target.status != 0) {
+        co_return target.status;
     }
-    if (auto status = AppsCommand::requireAccount(call)) {
-        co_return *status;
-    }
-    const auto found = co_await AppsCommand::findNamedApp(call, call.args.positional.first());
-    if (const int* status = std::get_if<int>(&found)) {
-        co_return *status;
-    }
-    const ManagedApp app = std::get<ManagedApp>(found);
-    const auto account = accountOf(call.state, app);
-    if (!account) {
-        co_return call.fail(VelmoraAPIError::notConfigured().errorDescription());
-    }
+    const ManagedApp& app = target.app;
     const auto device = nilIfBlank(call.args.value(deviceOption));
     QList<ManagedPerformanceMetric> list;
     try {
-        auto client = co_await call.state.accountStore().makeClient(*account);
-        list = co_await call.state.performanceService().metrics(app.id, device, client, false);
+        list = co_await call.state.performanceService().metrics(app.id, device, target.client, false);
     } catch (const std::exception& error) {
         co_return call.fail(u"Leistungskennzahlen konnten nicht geladen werden: "_s + describeError(error));
     }

@@ -27,14 +27,9 @@ namespace {
 const QString jsonFlag = u"json"_s;
 const QString yesFlag = u"yes"_s;
 const QString groupOption = u"group"_s;
-const QString missingApp = u"Es fehlt die App (ein Teil ihres Namens oder ihre ID)."_s;
 
 // The app a command names, a client of the account it belongs to, and whatever else it loaded.
-struct Target {
-    int status = 0;
-    ManagedApp app;
-    Account account;
-    std::shared_ptr<AppStoreConnectClient> client;
+struct Target : AppsCommand::AppTarget {
     ManagedBetaGroup group;
 };
 
@@ -51,53 +46,13 @@ QJsonObject named(const QString& id, const QString& name) {
     return QJsonObject{{u"id"_s, id}, {u"name"_s, name}};
 }
 
-// The account the app was listed under; with one account that is the selected one.
-std::optional<Account> accountOf(const AppState& state, const ManagedApp& app) {
-    if (app.accountID) {
-        for (const Account& account : state.accountStore().accounts()) {
-            if (account.id == *app.accountID) {
-                return account;
-            }
-        }
-    }
-    return state.accountStore().selectedAccount();
-}
-
 // The one app named by the first positional argument (`count` of them in all), and its client.
 QCoro::Task<Target> findTarget(Invocation call, qsizetype count, QString command) {
+    const QString wrongCount = count == 1 ? u"„testflight %1“ nimmt genau eine App."_s.arg(command)
+                                          : u"„testflight %1“ nimmt eine App und einen Build."_s.arg(command);
     Target target;
-    if (call.args.positional.isEmpty()) {
-        target.status = call.usage(missingApp);
-        co_return target;
-    }
-    if (call.args.positional.size() != count) {
-        target.status =
-            call.usage(count == 1 ? u"„testflight %1“ nimmt genau eine App."_s.arg(command)
-                                  : u"„testflight %1“ nimmt eine App und einen Build."_s.arg(command));
-        co_return target;
-    }
-    if (auto status = AppsCommand::requireAccount(call)) {
-        target.status = *status;
-        co_return target;
-    }
-    const QString query = call.args.positional.first();
-    const auto app = co_await AppsCommand::findNamedApp(call, query);
-    if (const int* status = std::get_if<int>(&app)) {
-        target.status = *status;
-        co_return target;
-    }
-    target.app = std::get<ManagedApp>(app);
-    const auto account = accountOf(call.state, target.app);
-    if (!account) {
-        target.status = call.fail(WriteGate::noAccountMessage());
-        co_return target;
-    }
-    target.account = *account;
-    try {
-        target.client = co_await call.state.accountStore().makeClient(*account);
-    } catch (const std::exception& error) {
-        target.status = call.fail(describeError(error));
-    }
+    static_cast<AppsCommand::AppTarget&>(target) =
+        co_await AppsCommand::findAppTarget(call, count, wrongCount);
     co_return target;
 }
 

@@ -409,17 +409,7 @@ void SalesViewModel::publish(ManagedSalesReport report, std::optional<SalesCompa
         rows.append(RowListModel::Row{int(r), table.row(r)});
     }
     m_rows->setRows(rows);
-    Q_EMIT hasReportChanged();
-    Q_EMIT reportCaptionChanged();
-    Q_EMIT columnsChanged();
-    Q_EMIT rowsNoteChanged();
-    Q_EMIT unitsTextChanged();
-    Q_EMIT proceedsTextChanged();
-    Q_EMIT rowCountChanged();
-    Q_EMIT comparisonTextChanged();
-    Q_EMIT canArchiveChanged();
-    Q_EMIT canExportChanged();
-    Q_EMIT exportProposalChanged();
+    emitReportChanged();
     setStatusMessage(u"%1 geladen: %2 Zeilen."_s.arg(reportCaption()).arg(table.rowCount()));
 }
 
@@ -567,6 +557,21 @@ QCoro::Task<> SalesViewModel::loadDemo(bool finance) {
     co_return;
 }
 
+// Everything that is read from the report on screen.
+void SalesViewModel::emitReportChanged() {
+    Q_EMIT hasReportChanged();
+    Q_EMIT reportCaptionChanged();
+    Q_EMIT columnsChanged();
+    Q_EMIT rowsNoteChanged();
+    Q_EMIT unitsTextChanged();
+    Q_EMIT proceedsTextChanged();
+    Q_EMIT rowCountChanged();
+    Q_EMIT comparisonTextChanged();
+    Q_EMIT canArchiveChanged();
+    Q_EMIT canExportChanged();
+    Q_EMIT exportProposalChanged();
+}
+
 QString SalesViewModel::sampleNote() const {
     if (!m_reportIsSample || !m_report) {
         return {};
@@ -603,17 +608,7 @@ void SalesViewModel::forgetReport() {
     setReportIsSample(false);
     m_rows->setRows({});
     setStatusMessage({});
-    Q_EMIT hasReportChanged();
-    Q_EMIT reportCaptionChanged();
-    Q_EMIT columnsChanged();
-    Q_EMIT rowsNoteChanged();
-    Q_EMIT unitsTextChanged();
-    Q_EMIT proceedsTextChanged();
-    Q_EMIT rowCountChanged();
-    Q_EMIT comparisonTextChanged();
-    Q_EMIT canArchiveChanged();
-    Q_EMIT canExportChanged();
-    Q_EMIT exportProposalChanged();
+    emitReportChanged();
 }
 
 ReportArchiveStore& SalesViewModel::archiveStore() {

@@ -251,6 +251,7 @@ private:
     QString m_reportVendor;
     bool m_reportIsSample = false;
     void setReportIsSample(bool sample);
+    void emitReportChanged();
     QString m_removalCandidate;
     ReportExport::Format m_exportFormat = ReportExport::Format::Csv;
     std::unique_ptr<QTemporaryDir> m_demoFolder;
