@@ -1,11 +1,10 @@
 #include "ui/UiFixture.h"
 
-#include "api/AccountStore.h"
 #include "api/RowListModel.h"
 #include "fixtures/JsonApi.h"
 #include "reports/PerformanceViewModel.h"
 #include "support/FakeTransport.h"
-#include "support/TestKeys.h"
+#include "support/TestAccount.h"
 
 #include <QQmlApplicationEngine>
 #include <QTest>
@@ -55,23 +54,12 @@ class PerformanceUiTest : public UiFixture {
     std::shared_ptr<FakeTransport> m_transport;
     QQuickWindow* m_window = nullptr;
 
-    void openTab(bool demo, const std::function<void(FakeTransport&)>& script = {}) {
+    void openTab(const std::function<void(FakeTransport&)>& script) {
         Platform platform = demoPlatform();
         m_transport = std::static_pointer_cast<FakeTransport>(platform.transport);
-        if (script) {
-            script(*m_transport);
-        }
+        script(*m_transport);
         start(platform);
-        if (demo) {
-            m_state->setDemoModeEnabled(true);
-        } else {
-            Account account;
-            account.id = QUuid::createUuid();
-            account.name = u"Studio"_s;
-            account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
-            account.keyID = u"ABCDE12345"_s;
-            m_state->accountStore().useEphemeralAccount(account, makeTestKey().privateKeyPEM);
-        }
+        useTestAccount(m_state->accountStore());
         ManagedApp app;
         app.id = u"app1"_s;
         app.name = u"Kladde"_s;
@@ -116,7 +104,7 @@ private Q_SLOTS:
     }
 
     void walkThroughTheTab() {
-        openTab(false, [](FakeTransport& transport) {
+        openTab([](FakeTransport& transport) {
             transport.script(
                 "GET", u"/v1/apps/app1/perfPowerMetrics"_s,
                 {Answer::json(200, metrics, {{"Content-Type", "application/vnd.apple.xcode-metrics+json"}})});
@@ -182,16 +170,6 @@ private Q_SLOTS:
         QTRY_COMPARE(textOf(u"perfSignaturesEmpty"_s), PerformanceViewModel::emptySignaturesText());
         QCOMPARE(textOf(u"perfLogText"_s), QString());
         VARNIS_VERIFY_CONTRACT(*m_transport);
-    }
-
-    void demoSaysWhyItIsEmpty() {
-        openTab(true);
-        QTRY_COMPARE(textOf(u"perfError"_s), u"Im Demo-Modus liegen keine Leistungskennzahlen vor.\n"
-                                             u"Im Demo-Modus liegen keine Absturzdiagnosen vor."_s);
-        QCOMPARE(m_model->builds()->count(), 3);
-        QVERIFY(!shownItem(m_window, u"perfMetricsEmpty"_s));
-        QCOMPARE(m_transport->requestCount(), 0);
-        shoot(m_window, u"performance-tab-demo"_s);
     }
 };
 
