@@ -1,7 +1,6 @@
-#include "api/AccountStore.h"
 #include "cli/CommandLine.h"
 #include "support/AwaitTask.h"
-#include "support/TestKeys.h"
+#include "support/TestAccount.h"
 #include "support/TestPlatform.h"
 #include "workspace/AppState.h"
 
@@ -29,15 +28,8 @@ struct InProcess {
     QString out;
     QString err;
 
-    explicit InProcess(bool withAccount) {
-        if (withAccount) {
-            Account account;
-            account.id = QUuid::createUuid();
-            account.name = u"Umgebung"_s;
-            account.issuerID = u"57246542-96fe-1a63-e053-0824d011072a"_s;
-            account.keyID = u"ABCDE12345"_s;
-            state.accountStore().useEphemeralAccount(account, makeTestKey().privateKeyPEM);
-        }
+    InProcess() {
+        useTestAccount(state.accountStore());
         FakeTransport& apple = *test.transport;
         apple.script("GET", u"/v1/apps"_s, {Answer::json(200, R"({"data":[
             {"type":"apps","id":"7","attributes":{"name":"Nordlicht"}},
@@ -84,7 +76,6 @@ class AnalyticsCommandTest : public QObject {
 private Q_SLOTS:
     void segments_data() {
         QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<bool>("withAccount");
         // A route answered with Apple's 404 instead of its list.
         QTest::addColumn<QString>("failing");
         QTest::addColumn<int>("status");
@@ -92,7 +83,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("notPrinted");
         const QStringList command{u"analytics"_s, u"segments"_s};
         QTest::newRow("the whole chain")
-            << command + QStringList{u"Nordlicht"_s} << true << QString() << 0
+            << command + QStringList{u"Nordlicht"_s} << QString() << 0
             << QStringList{u"Analytics-Reports von Nordlicht\n"_s,
                            u"Anfrage r1 · Laufend · von Apple angehalten: lange nicht abgerufen\n"_s,
                            u"\n  Report rep1 · App Sessions Standard · APP_USAGE\n"_s,
@@ -102,40 +93,33 @@ private Q_SLOTS:
                            u"Download-Adressen werden nicht angezeigt"_s}
             << QStringList{u"storage.example.test"_s, u"geheim"_s};
         QTest::newRow("one report by a part of its name")
-            << command + QStringList{u"7"_s, u"--report"_s, u"purchases"_s} << true << QString() << 0
+            << command + QStringList{u"7"_s, u"--report"_s, u"purchases"_s} << QString() << 0
             << QStringList{u"Report rep2"_s} << QStringList{u"Report rep1"_s, u"Segment"_s};
         QTest::newRow("a report name that matches none")
-            << command + QStringList{u"7"_s, u"--report"_s, u"Crashes"_s} << true << QString() << 0
+            << command + QStringList{u"7"_s, u"--report"_s, u"Crashes"_s} << QString() << 0
             << QStringList{u"  (kein passender Report)\n"_s} << QStringList{u"Report rep"_s};
-        QTest::newRow("no request yet") << command + QStringList{u"Polar"_s} << true << QString() << 0
+        QTest::newRow("no request yet") << command + QStringList{u"Polar"_s} << QString() << 0
                                         << QStringList{u"Für diese App gibt es noch keine Report-Anfrage."_s}
                                         << QStringList{u"Anfrage "_s};
         QTest::newRow("a link that fails fails the command")
-            << command + QStringList{u"Nordlicht"_s} << true << u"/v1/analyticsReports/rep1/instances"_s << 1
+            << command + QStringList{u"Nordlicht"_s} << u"/v1/analyticsReports/rep1/instances"_s << 1
             << QStringList{u"Die Analytics-Reports konnten nicht geladen werden: "_s}
             << QStringList{u"Analytics-Reports von"_s};
-        QTest::newRow("no account") << command + QStringList{u"Nordlicht"_s} << false << QString() << 1
-                                    << QStringList{u"Es ist kein App Store Connect Account konfiguriert."_s}
-                                    << QStringList{};
-        QTest::newRow("no app") << command << true << QString() << 2
+        QTest::newRow("no app") << command << QString() << 2
                                 << QStringList{u"Es fehlt die App"_s, u"Aufruf: varnis analytics segments"_s}
                                 << QStringList{};
-        QTest::newRow("two apps") << command + QStringList{u"Nordlicht"_s, u"Polar"_s} << true << QString()
-                                  << 2 << QStringList{u"„analytics segments“ nimmt genau eine App."_s}
+        QTest::newRow("two apps") << command + QStringList{u"Nordlicht"_s, u"Polar"_s} << QString() << 2
+                                  << QStringList{u"„analytics segments“ nimmt genau eine App."_s}
                                   << QStringList{};
-        QTest::newRow("an app of another name")
-            << command + QStringList{u"Zebra"_s} << true << QString() << 1
-            << QStringList{u"Keine App mit dem Namen „Zebra“ gefunden."_s} << QStringList{};
     }
 
     void segments() {
         QFETCH(QStringList, arguments);
-        QFETCH(bool, withAccount);
         QFETCH(QString, failing);
         QFETCH(int, status);
         QFETCH(QStringList, printed);
         QFETCH(QStringList, notPrinted);
-        InProcess cli(withAccount);
+        InProcess cli;
         if (!failing.isEmpty()) {
             cli.test.transport->script("GET", failing,
                                        {Answer::json(404, R"({"errors":[{"status":"404","code":"NOT_FOUND",
@@ -154,14 +138,14 @@ private Q_SLOTS:
 
     // A filtered report is never asked for its instances: the filter saves Apple's quota.
     void filterAsksOnlyForTheChosenReport() {
-        InProcess cli(true);
+        InProcess cli;
         QCOMPARE(cli.run({u"analytics"_s, u"segments"_s, u"Nordlicht"_s, u"--report"_s, u"rep2"_s}), 0);
         QCOMPARE(cli.test.transport->requestsTo("GET", u"/v1/analyticsReports/rep1/instances"_s).size(), 0);
         QCOMPARE(cli.test.transport->requestsTo("GET", u"/v1/analyticsReports/rep2/instances"_s).size(), 1);
     }
 
     void json() {
-        InProcess cli(true);
+        InProcess cli;
         QCOMPARE(cli.run({u"analytics"_s, u"segments"_s, u"Nordlicht"_s, u"--json"_s}), 0);
         QVERIFY2(!cli.out.contains(u"storage.example.test"_s), qPrintable(cli.out));
         const QJsonObject root = QJsonDocument::fromJson(cli.out.toUtf8()).object();
