@@ -78,7 +78,6 @@ private Q_SLOTS:
     void longSeriesKeepsItsPeaks_data() {
         QTest::addColumn<int>("count");
         QTest::addColumn<int>("peakAt");
-        QTest::newRow("10,000 points, peak early") << 10000 << 17;
         QTest::newRow("10,000 points, peak last") << 10000 << 9999;
         QTest::newRow("401 points, just over two per column") << 401 << 300;
     }
