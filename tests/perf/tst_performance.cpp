@@ -77,10 +77,6 @@ QStringList described(const QList<ManagedPerformanceMetric>& metrics) {
     return lines;
 }
 
-QByteArray signaturesPage(const QJsonArray& signatures) {
-    return JsonApi::page(signatures);
-}
-
 QJsonObject signature(const QString& id, const QString& text, double weight,
                       const QJsonObject& insight = {}) {
     QJsonObject attributes{{u"diagnosticType"_s, u"HANGS"_s}, {u"signature"_s, text}, {u"weight"_s, weight}};
@@ -315,9 +311,9 @@ private Q_SLOTS:
         const QString path = u"/v1/builds/b-1/diagnosticSignatures"_s;
         f.test.transport->script(
             "GET", path,
-            {Answer::json(200, signaturesPage({signature(u"sig-1"_s, u"main + 12"_s, 0.85),
-                                               JsonApi::resource(u"diagnosticSignatures"_s, u"sig-2"_s)}))});
-        f.scriptSignatures(signaturesPage({}));
+            {Answer::json(200, JsonApi::page({signature(u"sig-1"_s, u"main + 12"_s, 0.85),
+                                              JsonApi::resource(u"diagnosticSignatures"_s, u"sig-2"_s)}))});
+        f.scriptSignatures(JsonApi::page(QJsonArray{}));
         PerformanceService& service = f.state.performanceService();
         const auto list =
             VarnisTest::awaitTask(service.signatures(u"b-1"_s, ASCDiagnosticType::DiskWrites, f.client()));
@@ -346,13 +342,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("metricsText");
         QTest::addColumn<QString>("signaturesText");
         const QJsonArray one{signature(u"sig-1"_s, u"main + 12"_s, 0.5)};
-        QTest::newRow("both empty") << R"({"productData":[]})"_ba << signaturesPage({})
+        QTest::newRow("both empty") << R"({"productData":[]})"_ba << JsonApi::page(QJsonArray{})
                                     << PerformanceViewModel::emptyMetricsText()
                                     << PerformanceViewModel::emptySignaturesText();
         QTest::newRow("a document with categories but no points")
             << R"({"productData":[{"metricCategories":[{"identifier":"HANG","metrics":[]}]}]})"_ba
-            << signaturesPage(one) << PerformanceViewModel::emptyMetricsText() << QString();
-        QTest::newRow("both filled") << metricsSample << signaturesPage(one) << QString() << QString();
+            << JsonApi::page(one) << PerformanceViewModel::emptyMetricsText() << QString();
+        QTest::newRow("both filled") << metricsSample << JsonApi::page(one) << QString() << QString();
     }
 
     void emptyAnswers() {
@@ -441,7 +437,7 @@ private Q_SLOTS:
         QFETCH(bool, loadLog);
         QFETCH(QString, error);
         Fixture f;
-        f.scriptSignatures(signaturesPage({}));
+        f.scriptSignatures(JsonApi::page(QJsonArray{}));
         QTemporaryDir dir;
         QVERIFY(QDir(dir.path()).mkdir(u"out"_s));
         QFile plain(dir.filePath(u"plain"_s));
@@ -498,6 +494,11 @@ private Q_SLOTS:
                    u"Leistungskennzahlen · Kladde · Alle Geräte"_s, u"Hänger"_s,
                    u"  hangRate: 0,25 s/hr ± 0,01 (Alle iPads · Median · Version 2.1)"_s,
                    u"  launchTime: 410,5 Millisekunden ± 12 (iPhone 14 Pro · Median · Version 2.0)"_s};
+        // As JSON, what is missing is null, never a zero.
+        QTest::newRow("as JSON") << QStringList{u"Kladde"_s, u"--json"_s} << metricsSample << 0 << u"<none>"_s
+                                 << QStringList{u"\"deviceType\": null"_s, u"\"hint\": null"_s,
+                                                u"\"errorMargin\": null"_s, u"\"device\": \"all_iphones\""_s,
+                                                u"\"value\": 1210"_s};
         QTest::newRow("one device type")
             << QStringList{u"Kladde"_s, u"--device"_s, u"all_iphones"_s} << metricsSample << 0
             << u"all_iphones"_s << QStringList{u"Leistungskennzahlen · Kladde · Alle iPhones"_s};
@@ -540,24 +541,6 @@ private Q_SLOTS:
         if (filter != u"<none>"_s) {
             QCOMPARE(queryValue(requests.first(), u"filter[deviceType]"_s), filter);
         }
-    }
-
-    void commandAsJson() {
-        Fixture f;
-        f.test.transport->script("GET", u"/v1/apps"_s, {Answer::json(200, JsonApi::apps({u"Kladde"_s}))});
-        f.test.transport->script("GET", u"/v1/apps/id-Kladde/perfPowerMetrics"_s,
-                                 {metricsAnswer(metricsSample)});
-        QCOMPARE(f.run({u"perf"_s, u"metrics"_s, u"Kladde"_s, u"--json"_s}), 0);
-        const QJsonObject json = QJsonDocument::fromJson(f.out.toUtf8()).object();
-        QCOMPARE(json.value(u"deviceType"_s), QJsonValue(QJsonValue::Null));
-        QCOMPARE(json.value(u"hint"_s), QJsonValue(QJsonValue::Null));
-        const QJsonArray metrics = json.value(u"metrics"_s).toArray();
-        QCOMPARE(metrics.size(), 4);
-        const QJsonObject last = metrics.last().toObject();
-        QCOMPARE(last.value(u"device"_s).toString(), u"all_iphones"_s);
-        QCOMPARE(last.value(u"value"_s).toDouble(), 1210.0);
-        // No margin is null, never a zero.
-        QCOMPARE(last.value(u"errorMargin"_s), QJsonValue(QJsonValue::Null));
     }
 };
 

@@ -344,7 +344,7 @@ private Q_SLOTS:
     }
 
     // The lists mark what was chosen, so the screen needs no comparison of its own: the chain's
-    // links, the segment asked for, and the column the summary sums.
+    // links, the segment asked for, and the column the summary sums (the window test moves it).
     void choicesAreMarked() {
         Screen screen(false);
         screen.scriptChain("Date\tApp\tUnits\tRevenue\n2026-11-20\tx\t1\t2\n"_ba);
@@ -356,11 +356,6 @@ private Q_SLOTS:
         QCOMPARE(screen.model->numericColumns()->count(), 2);
         QCOMPARE(screen.model->effectiveColumnIndex(), 2);
         QCOMPARE(screen.model->numericColumns()->value(0, 2), QVariant(true));
-        QCOMPARE(screen.model->numericColumns()->value(1, 2), QVariant(false));
-        screen.model->setSelectedColumnIndex(3);
-        QCOMPARE(screen.model->numericColumns()->value(0, 2), QVariant(false));
-        QCOMPARE(screen.model->numericColumns()->value(1, 2), QVariant(true));
-        QCOMPARE(screen.model->summaryHeadline(), u"Summe Revenue · 30 Tage"_s);
         // Choosing the request again leaves it marked and everything below unmarked and empty.
         VarnisTest::awaitTask(screen.model->selectRequest(u"r1"_s));
         QCOMPARE(screen.model->requests()->value(0, 3), QVariant(true));
