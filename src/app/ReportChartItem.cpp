@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 ReportChartItem::ReportChartItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
@@ -80,7 +82,13 @@ void ReportChartItem::paint(QPainter* painter) {
     for (const QVariant& point : std::as_const(m_points)) {
         const QVariantMap map = point.toMap();
         const double day = map.value(u"day"_s).toDouble();
-        samples.append({day, map.value(u"value"_s).toDouble()});
+        const double value = map.value(u"value"_s).toDouble();
+        // A point without a finite day or value has no place on the axes; with none left there
+        // is neither line nor dot, only the text.
+        if (!std::isfinite(day) || !std::isfinite(value)) {
+            continue;
+        }
+        samples.append({day, value});
         if (samples.size() == 1 || day < firstDay) {
             firstDay = day;
             firstDate = map.value(u"dateText"_s).toString();

@@ -13,6 +13,8 @@
 #include <QQuickItem>
 #include <QTest>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 class AnalyticsUiTest : public UiFixture {
@@ -67,26 +69,36 @@ private Q_SLOTS:
     void initTestCase() { installMessageHandler(); }
 
     // The item alone, painted into an image: a line where there are points, the text where there
-    // are none.
+    // are none, nothing where there is no room.
     void chartPaints_data() {
         QTest::addColumn<QList<double>>("values");
+        QTest::addColumn<QSizeF>("size");
         QTest::addColumn<bool>("drawsLine");
         QTest::addColumn<bool>("drawsText");
-        QTest::newRow("nothing: the text") << QList<double>{} << false << true;
-        QTest::newRow("one day: a dot") << QList<double>{42} << true << true;
+        const QSizeF room(320, 160);
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double inf = std::numeric_limits<double>::infinity();
+        QTest::newRow("nothing: the text") << QList<double>{} << room << false << true;
+        QTest::newRow("one day: a dot") << QList<double>{42} << room << true << true;
         QList<double> year;
         for (int i = 0; i < 366; ++i) {
             year.append(i % 7 == 0 ? 2500.5 : 1000 + i);
         }
-        QTest::newRow("a year") << year << true << true;
+        QTest::newRow("a year") << year << room << true << true;
+        QTest::newRow("no finite value: the text") << QList<double>{nan, inf, -inf} << room << false << true;
+        QTest::newRow("one finite value among others: a dot")
+            << QList<double>{nan, 42, inf} << room << true << true;
+        QTest::newRow("no room") << QList<double>{1, 2, 3} << QSizeF(0, 0) << false << false;
+        QTest::newRow("no room, no value") << QList<double>{nan} << QSizeF(0, 0) << false << false;
     }
 
     void chartPaints() {
         QFETCH(QList<double>, values);
+        QFETCH(QSizeF, size);
         QFETCH(bool, drawsLine);
         QFETCH(bool, drawsText);
         ReportChartItem chart;
-        chart.setSize(QSizeF(320, 160));
+        chart.setSize(size);
         chart.setLineColor(QColor(0x1f, 0x5f, 0xa8));
         chart.setTextColor(QColor(0x99, 0x11, 0x11));
         chart.setEmptyText(u"Keine Daten"_s);
