@@ -229,7 +229,8 @@ QCoro::Task<> PerformanceViewModel::loadMetrics(bool forceRefresh) {
             co_return;
         }
         const QString appID = m_app.id;
-        metrics = co_await m_state.performanceService().metrics(appID, deviceType(), api, forceRefresh);
+        const std::optional<QString> device = deviceType();
+        metrics = co_await m_state.performanceService().metrics(appID, device, api, forceRefresh);
     } catch (const std::exception& error) {
         run.fail(u"Leistungskennzahlen konnten nicht geladen werden"_s, error);
         co_return;
@@ -377,6 +378,11 @@ QCoro::Task<> PerformanceViewModel::loadSignatures() {
         const QString buildID = m_selectedBuildID;
         signatures = co_await m_state.performanceService().signatures(buildID, m_diagnosticType, api);
     } catch (const std::exception& error) {
+        // A failure that comes back late belongs to a build or kind the user has left, or to a
+        // screen that is gone: it must not empty the list shown now.
+        if (!run) {
+            co_return;
+        }
         setSignatures({}, {});
         run.fail(u"Diagnosesignaturen konnten nicht geladen werden"_s, error);
         co_return;

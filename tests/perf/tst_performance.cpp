@@ -411,6 +411,47 @@ private Q_SLOTS:
         QCOMPARE(f.model->metricsEmptyText(), PerformanceViewModel::emptyMetricsText());
     }
 
+    // The signatures of one build fail while the user has moved on (another build, or the screen
+    // closed): the late failure neither empties what is shown now nor touches a model that is gone.
+    void aLateFailureOfSignaturesIsDropped_data() {
+        QTest::addColumn<bool>("closeScreen");
+        QTest::newRow("another build chosen meanwhile") << false;
+        QTest::newRow("the screen closed meanwhile") << true;
+    }
+
+    void aLateFailureOfSignaturesIsDropped() {
+        QFETCH(bool, closeScreen);
+        Fixture f;
+        f.scriptSignatures(JsonApi::page(QJsonArray{}));
+        f.test.transport->script(
+            "GET", u"/v1/builds/b-old/diagnosticSignatures"_s,
+            {Answer::json(200, JsonApi::page(QJsonArray{signature(u"sig-9"_s, u"x"_s, 1)}))});
+        VarnisTest::awaitTask(f.model->loadBuilds(false));
+        QCOMPARE(f.model->selectedBuildID(), u"b-new"_s);
+        f.test.transport->holdReplies(true);
+        auto first = f.model->loadSignatures();
+        QTRY_COMPARE(f.test.transport->heldCount(), 1);
+        f.test.transport->holdReplies(false);
+        f.test.transport->script("GET", u"/v1/builds/b-new/diagnosticSignatures"_s,
+                                 {Answer::json(403, JsonApi::error(u"403"_s, u"Keine Berechtigung"_s))});
+        if (closeScreen) {
+            f.testers.clear();
+            f.model.reset();
+        } else {
+            f.model->chooseBuild(1);
+            QTRY_COMPARE(f.model->signatures()->count(), 1);
+        }
+        f.test.transport->releaseHeld();
+        VarnisTest::awaitTask(std::move(first));
+        if (!closeScreen) {
+            QCOMPARE(f.model->selectedBuildID(), u"b-old"_s);
+            QCOMPARE(f.model->signatures()->count(), 1);
+            QCOMPARE(f.model->signaturesEmptyText(), QString());
+            QCOMPARE(f.model->errorMessage(), QString());
+            QVERIFY(!f.model->isLoading());
+        }
+    }
+
     void exportLog_data() {
         QTest::addColumn<QString>("target"); // relative to a temporary folder; "url:" an address
         QTest::addColumn<bool>("loadLog");
