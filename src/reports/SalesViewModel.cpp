@@ -589,6 +589,12 @@ void SalesViewModel::setReportIsSample(bool sample) {
 void SalesViewModel::demoOrAccountChanged() {
     if (!m_state.isDemoActive()) {
         // When the demo ends, its samples go: the folder of kept ones and the report on screen.
+        // A keeping, removal or reopening still under way worked on the samples: its answer is
+        // dropped.
+        if (m_demoArchive) {
+            m_archiving->abandon();
+            m_loading->abandon();
+        }
         m_demoArchive.reset();
         m_demoFolder.reset();
         if (m_reportIsSample) {
@@ -616,7 +622,7 @@ ReportArchiveStore& SalesViewModel::archiveStore() {
         return m_state.reportArchive();
     }
     if (!m_demoArchive) {
-        m_demoFolder = std::make_unique<QTemporaryDir>();
+        m_demoFolder = std::make_shared<QTemporaryDir>();
         m_demoArchive = std::make_unique<ReportArchiveStore>(m_demoFolder->filePath(u"Berichte"_s),
                                                              m_state.platform().clock);
     }
@@ -671,8 +677,10 @@ QCoro::Task<> SalesViewModel::archiveCurrentReport() {
     auto run = m_archiving->start();
     clearErrorsBut(m_archiving);
     setStatusMessage({});
+    ReportArchiveStore& store = archiveStore();
+    const std::shared_ptr<QTemporaryDir> demoFolder = m_demoFolder;
     std::variant<ReportArchiveStore::Entry, QString> stored =
-        co_await archiveStore().storeAsync(m_report->table, kept);
+        co_await store.storeAsync(m_report->table, kept);
     if (!run) {
         co_return;
     }
@@ -699,6 +707,7 @@ QCoro::Task<> SalesViewModel::loadFromArchive(QString fileName) {
         run.fail(ReportArchiveStore::unreadableMessage());
         co_return;
     }
+    const std::shared_ptr<QTemporaryDir> demoFolder = m_demoFolder;
     std::optional<AnalyticsTable> table = co_await archiveStore().reopenAsync(fileName);
     if (!run) {
         co_return;
@@ -718,6 +727,8 @@ QCoro::Task<> SalesViewModel::loadFromArchive(QString fileName) {
     report.table = std::move(*table);
     report.fetchedAt = entry->savedAt;
     publish(std::move(report), std::nullopt, entry->report.vendorNumber);
+    // A sample kept in the demo stays a sample when reopened, and goes when the demo ends.
+    setReportIsSample(m_state.isDemoActive());
     setStatusMessage(ReportArchiveStore::reopenedMessage(entry->savedAt));
     run.succeed();
 }
@@ -778,7 +789,9 @@ QCoro::Task<> SalesViewModel::removeFromArchive(QString fileName) {
     auto run = m_archiving->start();
     clearErrorsBut(m_archiving);
     setStatusMessage({});
-    std::optional<QString> failure = co_await archiveStore().removeAsync(fileName);
+    ReportArchiveStore& store = archiveStore();
+    const std::shared_ptr<QTemporaryDir> demoFolder = m_demoFolder;
+    std::optional<QString> failure = co_await store.removeAsync(fileName);
     if (!run) {
         co_return;
     }

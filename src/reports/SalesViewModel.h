@@ -254,7 +254,10 @@ private:
     void emitReportChanged();
     QString m_removalCandidate;
     ReportExport::Format m_exportFormat = ReportExport::Format::Csv;
-    std::unique_ptr<QTemporaryDir> m_demoFolder;
+    // Shared with the keeping, reopening or removal under way in it: the folder goes when the
+    // demo ends and the last of those has finished, so that no worker writes into a folder that
+    // is gone (and so makes it anew, left behind).
+    std::shared_ptr<QTemporaryDir> m_demoFolder;
     std::unique_ptr<ReportArchiveStore> m_demoArchive;
     std::optional<ManagedSalesReport> m_report;
     std::optional<SalesSummary> m_summary;

@@ -314,14 +314,19 @@ private Q_SLOTS:
         QTest::addColumn<QString>("caption");
         QTest::addColumn<bool>("hasUnits");
         QTest::addColumn<bool>("hasComparison");
-        QTest::newRow("sales") << false << u"Verkäufe · Täglich · 2026-03-29"_s << true << true;
-        QTest::newRow("finance") << true << u"Finanzbericht · Region ZZ · 2026-03"_s << false << false;
+        QTest::addColumn<bool>("reopen");
+        QTest::newRow("sales") << false << u"Verkäufe · Täglich · 2026-03-29"_s << true << true << false;
+        QTest::newRow("finance") << true << u"Finanzbericht · Region ZZ · 2026-03"_s << false << false
+                                 << false;
+        QTest::newRow("sales, reopened from the kept ones")
+            << false << u"Verkäufe · Täglich · 2026-03-29"_s << true << true << true;
     }
     void demo() {
         QFETCH(bool, finance);
         QFETCH(QString, caption);
         QFETCH(bool, hasUnits);
         QFETCH(bool, hasComparison);
+        QFETCH(bool, reopen);
         Fixture app(false);
         app.state.setDemoModeEnabled(true);
         SalesViewModel& model = app.model;
@@ -348,6 +353,12 @@ private Q_SLOTS:
         QCOMPARE(model.archiveRows()->count(), 1);
         QVERIFY(app.state.reportArchive().entries().isEmpty());
         QVERIFY(!QFileInfo::exists(app.archiveFolder()));
+        if (reopen) {
+            VarnisTest::awaitTask(model.loadFromArchive(
+                model.archiveRows()->value(0, SalesViewModel::ArchiveFileName).toString()));
+            QCOMPARE(model.reportCaption(), caption);
+            QVERIFY(!model.sampleNote().isEmpty());
+        }
 
         // The demo ends: its samples go with it, on screen and on disk.
         const QString demoFolder = model.archiveStore().directory();
@@ -360,6 +371,46 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(demoFolder));
         app.state.setDemoModeEnabled(true);
         QCOMPARE(model.archiveRows()->count(), 0);
+    }
+
+    // The demo ends while the kept samples are being worked on: the work's answer is dropped and
+    // its folder goes once the work is done, instead of being written anew and left behind.
+    void demoEndsWhileAtWork_data() {
+        QTest::addColumn<QString>("work");
+        QTest::newRow("keeping") << u"keep"_s;
+        QTest::newRow("reopening") << u"reopen"_s;
+        QTest::newRow("removing") << u"remove"_s;
+    }
+    void demoEndsWhileAtWork() {
+        QFETCH(QString, work);
+        Fixture app(false);
+        app.state.setDemoModeEnabled(true);
+        SalesViewModel& model = app.model;
+        VarnisTest::awaitTask(model.load());
+        QVERIFY(model.hasReport());
+        if (work != u"keep"_s) {
+            VarnisTest::awaitTask(model.archiveCurrentReport());
+            QCOMPARE(model.archiveRows()->count(), 1);
+        }
+        const QString fileName =
+            work == u"keep"_s ? QString()
+                              : model.archiveRows()->value(0, SalesViewModel::ArchiveFileName).toString();
+        const QString demoFolder = QFileInfo(model.archiveStore().directory()).absolutePath();
+        QVERIFY(QFileInfo::exists(demoFolder));
+        QCoro::Task<> task = work == u"keep"_s     ? model.archiveCurrentReport()
+                             : work == u"reopen"_s ? model.loadFromArchive(fileName)
+                                                   : model.removeFromArchive(fileName);
+        app.state.setDemoModeEnabled(false);
+        VarnisTest::awaitTask(std::move(task));
+        QVERIFY(!QFileInfo::exists(demoFolder));
+        QVERIFY(!model.hasReport());
+        QCOMPARE(model.archiveRows()->count(), 0);
+        QCOMPARE(model.statusMessage(), QString());
+        QCOMPARE(model.errorMessage(), QString());
+        QVERIFY(!model.isLoading());
+        QVERIFY(!model.isArchiving());
+        QVERIFY(app.state.reportArchive().entries().isEmpty());
+        QVERIFY(app.test.transport->requests().isEmpty());
     }
 
     // The periods offered: in the frequency's form, newest first, none after what Apple can have.
