@@ -97,7 +97,6 @@ private Q_SLOTS:
 
         const QString localization = u"/v1/appStoreVersionLocalizations/abc"_s;
         const QString noPath = u"no path of the OpenAPI document matches"_s;
-        QTest::newRow("list") << u"GET"_s << u"/v1/apps"_s << QStringList{u"limit"_s, u"sort"_s} << QString();
         QTest::newRow("method in lower case")
             << u"get"_s << u"/v1/apps"_s << QStringList{u"fields[apps]"_s, u"filter[bundleId]"_s}
             << QString();
@@ -231,13 +230,6 @@ private Q_SLOTS:
         const QString versions = u"/v1/apps/app-1/appStoreVersions"_s;
         const QByteArray app = R"({"type":"apps","id":"1","attributes":{"name":"Kladde","bundleId":"de.k"}})";
         QTest::newRow("list without links") << apps << 200 << list(app) << QStringList() << QString();
-        QTest::newRow("misspelt attribute")
-            << apps << 200 << list(R"({"type":"apps","id":"1","attributes":{"bundleID":"de.k"}})")
-            << QStringList() << u"data[0].attributes.bundleID: not declared for apps"_s;
-        QTest::newRow("text for a boolean")
-            << versions << 200
-            << list(R"({"type":"appStoreVersions","id":"v","attributes":{"downloadable":"ja"}})")
-            << QStringList() << u"data[0].attributes.downloadable: string where boolean is declared"_s;
         const QByteArray newState =
             list(R"({"type":"appStoreVersions","id":"v","attributes":{"appVersionState":"BRAND_NEW"}})");
         QTest::newRow("unknown enumeration value")

@@ -135,8 +135,6 @@ private Q_SLOTS:
         QTest::newRow("groups within the minute") << u"groups"_s << 59.999 << false << none << 1;
         QTest::newRow("groups at the minute") << u"groups"_s << 60.0 << false << none << 2;
         QTest::newRow("groups forced") << u"groups"_s << 0.0 << true << none << 2;
-        QTest::newRow("testers within the minute") << u"testers"_s << 59.999 << false << none << 1;
-        QTest::newRow("testers at the minute") << u"testers"_s << 60.0 << false << none << 2;
         QTest::newRow("clock set back") << u"testers"_s << -1.0 << false << none << 2;
 
         QTest::newRow("tester removed") << u"testers"_s << 0.0 << false << Action([this] {
@@ -248,7 +246,6 @@ private Q_SLOTS:
         QTest::newRow("all new") << QList<int>{201} << 3 << -1 << 3 << QList<int>{1, 2, 3} << 3;
         QTest::newRow("one already there")
             << QList<int>{201, 409, 201} << 3 << -1 << 3 << QList<int>{1, 2, 3} << 3;
-        QTest::newRow("all already there") << QList<int>{409} << 2 << -1 << 2 << QList<int>{1, 2} << 2;
         QTest::newRow("refused address stops the chunk")
             << QList<int>{201, 422, 201} << 3 << -1 << -1 << QList<int>{1} << 2;
         QTest::newRow("missing group stops the chunk")
@@ -285,7 +282,6 @@ private Q_SLOTS:
         QTest::newRow("created") << 201 << int(BetaTesterHandover::Added);
         QTest::newRow("already in the group") << 409 << int(BetaTesterHandover::AlreadyThere);
         QTest::newRow("refused") << 422 << -1;
-        QTest::newRow("forbidden") << 403 << -1;
     }
 
     void singleTesterOutcome() {
@@ -546,9 +542,6 @@ private Q_SLOTS:
             << u"builds"_s << QJsonObject{{u"expired"_s, false}} << QStringList{u"–"_s, u"–"_s};
         QTest::newRow("build without attributes")
             << u"builds"_s << QJsonObject() << QStringList{u"–"_s, u"–"_s};
-        QTest::newRow("build") << u"builds"_s
-                               << QJsonObject{{u"version"_s, u"142"_s}, {u"processingState"_s, u"VALID"_s}}
-                               << QStringList{u"142"_s, u"VALID"_s};
         QTest::newRow("beta states absent")
             << u"buildBetaDetails"_s << QJsonObject() << QStringList{u"–"_s, u"–"_s, u"vollständig"_s};
         QTest::newRow("beta state listed and not")

@@ -77,7 +77,10 @@ struct Fixture : TestPlatform {
         }
     }
 
+    // An account whose app has an external group "Freunde" (selected first) with two testers
+    // and the internal group "Team" with none.
     void addAccount(bool readOnly = false) {
+        scriptGroups();
         auto task = state->accountStore().addAccount(u"Studio"_s, u"57246542-96fe-1a63-e053-0824d011072a"_s,
                                                      u"ABCDE12345"_s, makeTestKey().privateKeyPEM);
         Account account = VarnisTest::awaitTask(std::move(task));
@@ -87,7 +90,6 @@ struct Fixture : TestPlatform {
         }
     }
 
-    // An account whose app has an external group "Freunde" (selected first) with two testers.
     void scriptGroups() {
         transport->script("GET", u"/v1/apps/app-1/betaGroups"_s, {Answer::json(200, groupsPage())});
         transport->script("GET", u"/v1/betaGroups/g-ext/betaTesters"_s, {Answer::json(200, testersPage())});
@@ -169,7 +171,6 @@ private Q_SLOTS:
         Fixture f;
         if (account) {
             f.addAccount(readOnly);
-            f.scriptGroups();
         }
         f.state->setDemoModeEnabled(demo);
         f.load();
@@ -236,7 +237,6 @@ private Q_SLOTS:
         QFETCH(QString, selectedAfter);
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         f.transport->script("DELETE", u"/v1/betaGroups/"_s + groupID, {Answer::json(204, {})});
         f.load();
         f.model->selectGroup(selected);
@@ -263,10 +263,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("expired");
         QTest::addColumn<QString>("soon");
         QTest::addColumn<QString>("gone");
-        QTest::newRow("13 days") << std::optional<qint64>(13 * 24) << false << u"1"_s << u"0"_s;
         QTest::newRow("one hour short of 14 days")
             << std::optional<qint64>(14 * 24 - 1) << false << u"1"_s << u"0"_s;
-        QTest::newRow("15 days") << std::optional<qint64>(15 * 24) << false << u"0"_s << u"0"_s;
+        QTest::newRow("exactly 14 days") << std::optional<qint64>(14 * 24) << false << u"0"_s << u"0"_s;
         QTest::newRow("expired, date ahead") << std::optional<qint64>(3 * 24) << true << u"0"_s << u"1"_s;
         QTest::newRow("no expiry date") << std::optional<qint64>() << false << u"0"_s << u"0"_s;
     }
@@ -278,7 +277,6 @@ private Q_SLOTS:
         QFETCH(QString, gone);
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         const QDateTime now = f.clock->now();
         const auto expires =
             expiresInHours ? std::optional<QDateTime>(now.addSecs(*expiresInHours * 3600)) : std::nullopt;
@@ -304,7 +302,6 @@ private Q_SLOTS:
     void betaDetailsFillTheRows() {
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         const QDateTime now = f.clock->now();
         f.transport->script(
             "GET", u"/v1/apps/app-1/builds"_s,
@@ -346,7 +343,6 @@ private Q_SLOTS:
         QFETCH(bool, fails);
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         f.transport->script(
             "GET", u"/v1/apps/app-1/builds"_s,
             {Answer::json(200, page({build(u"b-1"_s, u"11"_s, f.clock->now(), std::nullopt, false)}))});
@@ -398,13 +394,10 @@ private Q_SLOTS:
         QFETCH(QString, error);
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         f.scriptTesterPosts(failAt);
         f.load();
         f.preview(count);
         const PendingWrite write = f.takeImport();
-        QCOMPARE(write.title, u"Tester importieren"_s);
-        QCOMPARE(write.changes.last().field, u"Anfragen an Apple"_s);
         QVERIFY(
             write.changes.last().after.startsWith(u"Der Import kostet "_s + QString::number(count).left(1)));
         const int testerReads = f.transport->requests().size();
@@ -426,7 +419,6 @@ private Q_SLOTS:
     void cancelStopsTheImport() {
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         f.scriptTesterPosts(0);
         f.load();
         f.preview(3);
@@ -482,7 +474,6 @@ private Q_SLOTS:
     void createdGroupIsSelected() {
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         QByteArray sent;
         bool created = false;
         f.transport->route("POST", u"/v1/betaGroups"_s, [&](const HttpRequest& request) {
@@ -523,7 +514,6 @@ private Q_SLOTS:
     void settingsReplaceTheGroup() {
         Fixture f;
         f.addAccount();
-        f.scriptGroups();
         QByteArray sent;
         f.transport->route("PATCH", u"/v1/betaGroups/g-ext"_s, [&sent](const HttpRequest& request) {
             sent = request.body;
