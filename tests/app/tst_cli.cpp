@@ -1,6 +1,7 @@
 #include "api/AccountStore.h"
 #include "cli/CommandLine.h"
 #include "support/AwaitTask.h"
+#include "support/RunCommandLine.h"
 #include "support/TestKeys.h"
 #include "support/TestPlatform.h"
 #include "support/TestServer.h"
@@ -37,14 +38,7 @@ struct InProcess {
     QString out;
     QString err;
 
-    int run(const QStringList& arguments) {
-        out.clear();
-        err.clear();
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        return VarnisTest::awaitTask(cli.run(arguments));
-    }
+    int run(const QStringList& arguments) { return runCommandLine(state, arguments, out, err); }
 
     // An account for this run only, as one from the environment would be.
     void useAccount(const QByteArray& pem) {

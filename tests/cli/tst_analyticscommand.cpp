@@ -1,5 +1,6 @@
 #include "cli/CommandLine.h"
 #include "support/AwaitTask.h"
+#include "support/RunCommandLine.h"
 #include "support/TestAccount.h"
 #include "support/TestPlatform.h"
 #include "workspace/AppState.h"
@@ -59,14 +60,7 @@ struct InProcess {
             {Answer::json(200, QJsonDocument(QJsonObject{{u"data"_s, QJsonArray{segment}}}).toJson())});
     }
 
-    int run(const QStringList& arguments) {
-        out.clear();
-        err.clear();
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        return VarnisTest::awaitTask(cli.run(arguments));
-    }
+    int run(const QStringList& arguments) { return runCommandLine(state, arguments, out, err); }
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "reports/PerformanceViewModel.h"
 #include "support/AwaitTask.h"
 #include "support/FakeTransport.h"
+#include "support/RunCommandLine.h"
 #include "support/TestAccount.h"
 #include "support/TestPlatform.h"
 #include "wire/VelmoraAPIError.h"
@@ -137,14 +138,7 @@ struct Fixture {
             state.accountStore().makeClient(*state.accountStore().selectedAccount()));
     }
 
-    int run(const QStringList& arguments) {
-        out.clear();
-        err.clear();
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        return VarnisTest::awaitTask(cli.run(arguments));
-    }
+    int run(const QStringList& arguments) { return runCommandLine(state, arguments, out, err); }
 
     // Builds, one signature of the newest, and its log.
     void scriptSignatures(const QByteArray& page) {

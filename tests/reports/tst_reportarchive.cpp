@@ -3,6 +3,7 @@
 #include "reports/ReportArchiveStore.h"
 #include "reports/ReportExport.h"
 #include "support/AwaitTask.h"
+#include "support/RunCommandLine.h"
 #include "support/TestPlatform.h"
 #include "workspace/AppState.h"
 
@@ -67,14 +68,7 @@ struct Cli {
     QString out;
     QString err;
 
-    int run(const QStringList& arguments) {
-        out.clear();
-        err.clear();
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        return VarnisTest::awaitTask(cli.run(arguments));
-    }
+    int run(const QStringList& arguments) { return runCommandLine(state, arguments, out, err); }
 };
 
 } // namespace

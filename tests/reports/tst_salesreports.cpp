@@ -9,6 +9,7 @@
 #include "reports/SalesSummary.h"
 #include "reports/SalesViewModel.h"
 #include "support/AwaitTask.h"
+#include "support/RunCommandLine.h"
 #include "support/TestKeys.h"
 #include "support/TestPlatform.h"
 #include "workspace/AppState.h"
@@ -87,14 +88,7 @@ struct Fixture {
         state.accountStore().useEphemeralAccount(account, makeTestKey().privateKeyPEM);
     }
 
-    int run(const QStringList& arguments) {
-        out.clear();
-        err.clear();
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        CommandLine cli(state, outStream, errStream);
-        return VarnisTest::awaitTask(cli.run(arguments));
-    }
+    int run(const QStringList& arguments) { return runCommandLine(state, arguments, out, err); }
 
     QList<HttpRequest> reportRequests() const {
         return test.transport->requestsTo("GET", u"/v1/salesReports"_s);
