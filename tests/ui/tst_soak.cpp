@@ -47,7 +47,7 @@ private Q_SLOTS:
             const QByteArray where =
                 "seed " + QByteArray::number(seed) + ", step " + QByteArray::number(step);
             activate(main);
-            const int action = int(random.bounded(10));
+            const int action = int(random.bounded(11));
             if (qEnvironmentVariableIsSet("VARNIS_SOAK_TRACE")) {
                 qInfo("step %d: action %d", step, action);
             }
@@ -59,7 +59,8 @@ private Q_SLOTS:
                 break;
             case 2:
             case 3:
-                if (workspace->hasSelectedApp()) {
+                // The sidebar stands while an app is chosen and the reports do not take its place.
+                if (workspace->hasSelectedApp() && !workspace->showsReports()) {
                     const auto section = sections[random.bounded(int(sections.size()))];
                     QVERIFY2(clickNamed(main, u"section_"_s + SidebarSections::rawValue(section)),
                              where.constData());
@@ -98,6 +99,15 @@ private Q_SLOTS:
                 QTest::keyClick(main, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
                 QTRY_VERIFY2(topLevel(u"changeLogWindow"_s), where.constData());
                 closeIfOpen(u"changeLogWindow"_s);
+                break;
+            case 10:
+                // The account's reports, by the entry above the apps or by the keyboard.
+                if (random.bounded(2) == 0) {
+                    QVERIFY2(clickNamed(main, u"reportsEntry"_s), where.constData());
+                } else {
+                    QTest::keyClick(main, Qt::Key_B, Qt::ControlModifier);
+                }
+                QTRY_VERIFY2(workspace->showsReports(), where.constData());
                 break;
             }
             QCoreApplication::processEvents();
